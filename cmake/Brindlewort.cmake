@@ -1,0 +1,38 @@
+# Compile flags of every target. Results are the same bits on every build, so the compiler may neither
+# contract a*b+c into one rounding nor reorder additions.
+add_library(brindlewort_flags INTERFACE)
+target_compile_options(brindlewort_flags INTERFACE
+  -Wall -Wextra -Wpedantic -ffp-contract=off -fno-fast-math
+  # GCC 12 sees overlaps in string concatenation that are not there.
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+if(BRINDLEWORT_WERROR)
+  target_compile_options(brindlewort_flags INTERFACE -Werror)
+endif()
+if(BRINDLEWORT_SANITIZE)
+  target_compile_options(brindlewort_flags INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(brindlewort_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+# brindlewort_layer(<folder> [<lower layer>...]): one object library per folder of src/. A layer sees only
+# the include roots of the layers it names, so an upward include is a compile error. Headers are reached
+# as "series/bar.hpp".
+function(brindlewort_layer name)
+  string(REPLACE "/" "_" target "${name}")
+  set(target "bw_${target}")
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp")
+  add_library(${target} OBJECT ${sources})
+  set_property(GLOBAL APPEND PROPERTY BRINDLEWORT_LAYERS ${target})
+
+  # A forwarding include root holding nothing but this layer's folder.
+  set(root "${CMAKE_BINARY_DIR}/layers/${target}")
+  get_filename_component(parent "${root}/${name}" DIRECTORY)
+  file(MAKE_DIRECTORY "${parent}")
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${name}" "${root}/${name}" SYMBOLIC)
+  target_include_directories(${target} PUBLIC "${root}")
+  target_link_libraries(${target} PUBLIC brindlewort_flags)
+  foreach(lower IN LISTS ARGN)
+    string(REPLACE "/" "_" lower_target "${lower}")
+    target_link_libraries(${target} PUBLIC "bw_${lower_target}")
+  endforeach()
+endfunction()

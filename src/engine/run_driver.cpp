@@ -1,0 +1,214 @@
+// The run driver: takes the host's script text, strips and splits it, checks that there are enough bars, sets up
+// the price series and drives the evaluator.
+
+#include <algorithm>
+#include <array>
+
+#include "functions/script_engine.hpp"
+#include "platform/clock.hpp"
+#include "series/text.hpp"
+
+namespace brindlewort {
+
+namespace {
+
+constexpr std::size_t kLongestScript = 63'999;
+constexpr std::string_view kLineBreak = "\r\n";
+
+std::string replaceTabsAndDoubleBlanks(std::string_view script) {
+  return std::string(trim(replaceAll(replaceAll(script, "\t", " "), "  ", " ")));
+}
+
+/// Without comments: from "#" to the end of the line, the line break left in place.
+std::string withoutComments(std::string_view script) {
+  std::string out;
+  out.reserve(script.size());
+  for (;;) {
+    const std::size_t hash = script.find('#');
+    out.append(script.substr(0, hash));
+    if (hash == std::string_view::npos) return out;
+    const std::size_t end = script.find(kLineBreak, hash);
+    if (end == std::string_view::npos) return out;
+    script.remove_prefix(end);
+  }
+}
+
+/// The SET statements of a script, each up to its line break, and the main expression behind them. As long as
+/// the letters "SET" stand anywhere in the rest, a further line is taken off.
+struct Program {
+  std::vector<std::string> sets;
+  std::string main;
+};
+
+Program split(std::string_view script) {
+  Program program;
+  const std::size_t lastSet = script.rfind("SET");
+  std::size_t at = 0;
+  while (lastSet != std::string_view::npos && lastSet >= at) {
+    const std::size_t end = script.find(kLineBreak, at);
+    if (end == std::string_view::npos) break;
+    program.sets.emplace_back(script.substr(at, end - at));
+    at = end + kLineBreak.size();
+  }
+  const std::string rest = replaceAll(script.substr(at), kLineBreak, " ");
+  program.main = CScriptEngine::NormalizeScript(trim(rest));
+  return program;
+}
+
+Bar barOfOnes() {
+  Bar bar;
+  bar.JDate = bar.OpenPrice = bar.HighPrice = bar.LowPrice = bar.ClosePrice = bar.Volume = 1.0;
+  return bar;
+}
+
+}  // namespace
+
+CScriptEngine::CScriptEngine() = default;
+
+/// Takes the statements SET EXCHANGE, SECTOR, INDUSTRY and SYMBOL off the head of the script: all up to the
+/// line break behind the last of them is the source part, which never reaches the evaluator.
+void CScriptEngine::readSourceStatements(std::string& script) {
+  static constexpr std::array<std::string_view, 4> kStatements = {"SET EXCHANGE", "SET SECTOR", "SET INDUSTRY",
+                                                                  "SET SYMBOL"};
+  std::size_t greatest = std::string::npos;
+  for (std::string_view statement : kStatements) {
+    const std::size_t at = script.find(statement);
+    if (at != std::string::npos && (greatest == std::string::npos || at > greatest)) greatest = at;
+  }
+  if (greatest == std::string::npos) return;
+  const std::size_t end = script.find(kLineBreak, greatest);
+  if (end == std::string::npos) return;
+
+  const std::string meta = withoutChar(replaceAll(script.substr(0, end), "SET", "|SET_"), ' ');
+  struct Key {
+    std::string_view text;
+    std::string& value;
+  };
+  std::string endMark;
+  for (const Key& key : {Key{"EXCHANGE=", exchange}, Key{"SECTOR=", sector}, Key{"INDUSTRY=", industry},
+                         Key{"SYMBOL=", symbol}}) {
+    const std::size_t at = meta.find(key.text);
+    if (at == std::string::npos) continue;
+    const std::size_t from = at + key.text.size();
+    const std::size_t next = meta.find("|SET_", from);
+    if (next != std::string::npos) {
+      key.value = meta.substr(from, next - from);
+    } else {
+      key.value = trim(std::string_view(meta).substr(from));
+      endMark = key.value;
+    }
+  }
+  for (std::string* value : {&exchange, &sector, &industry, &symbol}) {
+    *value = replaceAll(*value, kLineBreak, "");
+  }
+  if (endMark.empty()) return;
+  if (const std::size_t at = script.find(endMark); at != std::string::npos) {
+    const std::size_t cut = std::min(script.size(), at + endMark.size() + 2);
+    script = trim(std::string_view(script).substr(cut));
+  }
+}
+
+std::string CScriptEngine::RunScript(std::string_view hostScript, bool rowScan, bool dryRun_) {
+  candlePattern = -1;
+  dryRun = dryRun_;
+  std::string script = replaceTabsAndDoubleBlanks(upperCase(hostScript));
+  if (script.empty()) return "Error: Missing script";
+  if (script.size() > kLongestScript) return "Error: Script too large";
+  for (std::string* text :
+       {&abortMark, &errorText, &exchange, &sector, &industry, &symbol, &functionContext, &currentFunction}) {
+    text->clear();
+  }
+  aborted_ = false;
+  rowsHeld_ = 0;
+  windowLength = EstimateLookback(script);
+  variables.clear();
+  wholeHistory = true;
+
+  script = replaceTabsAndDoubleBlanks(withoutComments(script));
+  script = replaceAll(script, "\r\n\r\n", kLineBreak);
+  if (script.empty()) return "Error: No script!";
+  scriptText_ = script;
+  readSourceStatements(script);
+  const Program program = split(script);
+
+  paddedData = false;
+  if (static_cast<std::size_t>(windowLength) > bars.size()) {
+    if (!dryRun) return std::string(kNotEnoughData);
+    windowLength = std::max(windowLength, 250);
+    madeUpBars_.clear();
+    for (std::size_t i = 0; i < bars.size(); ++i) madeUpBars_.push_back(bars[i]);
+    madeUpBars_.insert(madeUpBars_.end(), static_cast<std::size_t>(windowLength) * 3 + 1, barOfOnes());
+    bars.use(madeUpBars_);
+    paddedData = true;
+  }
+  startTicks = platform::tickMilliseconds();
+
+  std::string resultText;
+  if (rowScan) {
+    for (std::size_t row = static_cast<std::size_t>(windowLength); row < bars.size() && errorText.empty(); ++row) {
+      if (BuildPriceFields(row)) evaluateStatements(program.sets, program.main, resultText);
+    }
+  } else if (BuildPriceFields(bars.size() - 1) || paddedData) {
+    evaluateStatements(program.sets, program.main, resultText);
+  }
+  wholeHistory = false;
+  if (aborted_) errorText = kTooComplex;
+  return errorText.empty() ? resultText : errorText;
+}
+
+/// Evaluates the SET statements and the main expression; the first error ends it, so that `currentFunction`
+/// still names the function that failed.
+void CScriptEngine::evaluateStatements(const std::vector<std::string>& sets, const std::string& main,
+                                       std::string& resultText) {
+  for (const std::string& statement : sets) {
+    EvaluateExpression(NormalizeScript(statement));
+    if (!errorText.empty()) return;
+  }
+  result = EvaluateExpression(main);
+  if (result.value != 0.0) resultText = "ALERT";
+}
+
+bool CScriptEngine::BuildPriceFields(std::size_t row) {
+  if (wholeHistory) windowLength = static_cast<std::int32_t>(bars.size()) - 1;
+  const std::size_t rows = static_cast<std::size_t>(std::max(windowLength, 0));
+  const std::size_t first = row - std::min(row, rows);
+  const std::size_t copied = bars.size() - std::min(first, bars.size());
+  if (copied == 0) return false;
+  fields.clear();
+  if (copied - 1 > rows) return false;
+  ResetConstants();
+
+  // Filled from the end: the last row takes the last bar. With the whole history there is one bar more than
+  // rows, so the first bar never reaches a series.
+  static constexpr std::array<std::string_view, 6> kNames = {"D", "O", "H", "L", "C", "V"};
+  static constexpr std::array<double Bar::*, 6> kMembers = {&Bar::JDate,    &Bar::OpenPrice,  &Bar::HighPrice,
+                                                            &Bar::LowPrice, &Bar::ClosePrice, &Bar::Volume};
+  std::array<Series, 6> columns;
+  std::array<double*, 6> out;
+  for (std::size_t f = 0; f < columns.size(); ++f) {
+    columns[f] = Series::uninitialized(rows);
+    out[f] = columns[f].edit().data();
+  }
+  const std::size_t blank = copied < rows ? rows - copied : 0;
+  for (std::size_t i = 0; i < rows; ++i) {
+    const Bar bar = i < blank ? Bar{} : bars[bars.size() - rows + i];
+    for (std::size_t f = 0; f < kMembers.size(); ++f) out[f][i] = bar.*kMembers[f];
+  }
+  for (std::size_t f = 0; f < columns.size(); ++f) {
+    fields.push_back({std::string(kNames[f]), std::move(columns[f])});
+  }
+  static constexpr std::array<std::string_view, 5> kVariables = {"OPEN", "HIGH", "LOW", "CLOSE", "VOLUME"};
+  for (std::size_t v = 0; v < kVariables.size(); ++v) {
+    const Series& values = fields[v + 1].values;
+    const double last = values.empty() ? 0.0 : values.back();
+    variables.append({std::string(kVariables[v]), last, values, -1, kComputedVariable});
+  }
+  return true;
+}
+
+Prices CScriptEngine::prices() const {
+  return {fields[1].values.view(), fields[2].values.view(), fields[3].values.view(), fields[4].values.view(),
+          fields[5].values.view()};
+}
+
+}  // namespace brindlewort

@@ -1,0 +1,135 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "functions/variable_store.hpp"
+#include "indicators/frame.hpp"
+#include "series/field.hpp"
+#include "series/run_bars.hpp"
+
+namespace brindlewort {
+
+/// The interpreter: state and operations of one run of a script over one symbol's bars.
+///
+/// Declared here, in the lowest layer that implements part of it: a function may evaluate an expression,
+/// and an expression may call a function. functions/ implements the dispatcher, the binding of arguments
+/// and the reports; engine/ implements the run driver, the normaliser, the evaluator and the symbols.
+///
+/// Nothing throws for a script's sake: a piece that fails writes a text beginning "Error: " into
+/// `errorText` and returns an empty value, and callers look at `errorText` at their next step.
+class CScriptEngine {
+ public:
+  CScriptEngine();
+  CScriptEngine(const CScriptEngine&) = delete;
+  CScriptEngine& operator=(const CScriptEngine&) = delete;
+
+  // ---- Run driver ----
+  /// Runs a script over `bars`. Every result is a text: "" or "ALERT" (the main expression's value is not
+  /// 0), the first error, or one of the driver's own messages, which leave `errorText` empty. `rowScan` runs
+  /// the script anew for each row from the lookback on; `dryRun` makes bars up when there are too few.
+  std::string RunScript(std::string_view script, bool rowScan, bool dryRun);
+  /// Bars that a script asks for: twice the greatest number between brackets (9,999 at most, 5 at least),
+  /// plus 2. Numbers that are no periods, as in IF or LOOP, do not count. 3,333 in a dry run.
+  std::int32_t EstimateLookback(std::string_view script);
+  /// Fills `fields` and the price variables from the bars up to `row`. False when there is none.
+  bool BuildPriceFields(std::size_t row);
+  void ResetConstants();
+  /// Rewrites a statement so that brackets give the grouping; see normaliser.cpp.
+  static std::string NormalizeScript(std::string_view text);
+
+  // ---- Evaluator ----
+  ScriptVariable EvaluateExpression(std::string_view text);
+  /// The key that an expression's value (`extra` empty), or a call's (`extra` its name), is remembered by.
+  std::string MakeKey(std::string_view text, std::string_view extra) const;
+  ScriptVariable LookupVariable(std::string_view name);
+  /// Stores a value under a name, over an entry of that name. The entry's number, or -1.
+  std::int32_t RememberVariable(std::string_view name, const ScriptVariable& value);
+
+  // ---- Functions ----
+  /// Calls a function. The result is empty, and `errorText` set, when the call fails.
+  ScriptVariable EvaluateFunction(std::string_view name, std::string_view argumentText,
+                                  std::string_view innerText);
+
+  // Binding of arguments. Texts are trimmed pieces of the argument text.
+  /// Splits at commas outside brackets, into at most nine pieces; too few for `required` sets the error.
+  void SplitArguments(std::string_view text, int required, std::span<std::string_view> slots);
+  std::string_view NthArgument(std::string_view text, int position, int required);
+  /// A series from an argument: a number gives a series of it, a name its variable. False without rows.
+  bool GetVector(std::string_view text, ScriptVariable& out);
+  /// A number from an argument. With `barsCheck` a number above `windowLength`, with `typeCheck` one that is
+  /// not strictly between 0 and 9, is reported. False, without a report, for a text that is no number.
+  bool GetNumber(std::string_view function, std::string_view text, double& out, bool barsCheck, bool typeCheck);
+
+  // Reports keep the first error and return false, the answer of a failed call.
+  bool ReportRequired(std::string_view function, std::string_view label);
+  bool ReportInvalid(std::string_view function, std::string_view label);
+  bool ReportRaw(std::string_view text);
+  bool ReportFunction(std::string_view function, std::string_view text);
+
+  /// The price fields as the batch indicators take them.
+  Prices prices() const;
+  /// The last value of the field "D" and its rows.
+  const Series& dates() const { return fields.front().values; }
+  /// A series of `windowLength` zeros; all share one buffer.
+  const Series& zeros();
+
+  /// Ends the run for good: too deep or too large to go on.
+  void abortRun();
+
+  // ---- State. Names are those that messages and other components speak of. ----
+  bool dryRun = false;
+  bool wholeHistory = false;   ///< true during a run: series cover all bars
+  VariableStore variables;     ///< price variables, SET variables, every remembered expression and call
+  VariableStore constants;     ///< named constants
+  std::string errorText;       ///< first error of the run; non-empty stops the evaluator
+  std::string functionContext; ///< reserved
+  std::string currentFunction; ///< the function last called; used in messages
+  std::string exchange, sector, industry, symbol;  ///< values of the SET statements of these names
+  std::int32_t windowLength = 0;                   ///< first the lookback, then the rows of all series
+  std::vector<Field> fields;                       ///< "D", "O", "H", "L", "C", "V" of the run
+  RunBars bars;
+  std::string outputSummary;   ///< name and value pairs of the last output, for the host's diagnostics
+  std::uint32_t startTicks = 0;
+  std::vector<std::string> outputNames;  ///< names of the series to be printed, in order of making
+  bool inSetStatement = false;
+  bool paddedData = false;     ///< the run uses made-up bars
+  std::string abortMark;       ///< function that caused the error, or "timeout" after a fatal limit
+  std::int32_t candleOutputId = 0;   ///< set while an output is asked of a script with CSP
+  std::int32_t candlePattern = -1;   ///< the pattern named in "CSP() = ...", -1 for none
+  bool eventListMode = false;        ///< the output is the list of event rows
+  ScriptVariable result;             ///< of the last main expression
+
+ private:
+  ScriptVariable EvaluateTerm(std::string_view text, std::size_t& position);
+  ScriptVariable scan(std::string_view text);
+  ScriptVariable evaluateGroup(std::string_view inner);
+  ScriptVariable evaluateCall(std::string_view name, std::string_view inner);
+  std::string evaluateArguments(std::string_view inner);
+  ScriptVariable FindSeries(std::string_view name, std::string_view extra) const;
+  void resolvePattern();
+  void evaluateStatements(const std::vector<std::string>& sets, const std::string& main, std::string& resultText);
+  void readSourceStatements(std::string& script);
+
+  std::string scriptText_;           ///< the script as handed to the driver: upper-cased, without comments
+  std::vector<Bar> madeUpBars_;      ///< of a dry run with too few bars
+  Series zeros_;
+  int depth_ = 0;                    ///< evaluations inside one another
+  std::uint64_t rowsHeld_ = 0;       ///< rows of all entries that this run has made
+  bool aborted_ = false;
+};
+
+/// More evaluations inside one another end the run.
+inline constexpr int kMaxDepth = 1000;
+/// More entries than this in the store of variables refuse a further one.
+inline constexpr std::size_t kMaxVariables = 500;
+/// More rows than this in the store of variables (8 GiB) end the run.
+inline constexpr std::uint64_t kMaxRowsHeld = std::uint64_t{1} << 30;
+
+inline constexpr std::string_view kTooComplex = "Error: Script too complex.";
+inline constexpr std::string_view kNotEnoughData = "Error: Not enough data available to run script";
+
+}  // namespace brindlewort

@@ -1,0 +1,72 @@
+#include "functions/variable_store.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace brindlewort {
+
+std::size_t VariableStore::append(ScriptVariable variable) {
+  const std::size_t i = entries_.size();
+  first_.try_emplace(variable.name, i);
+  entries_.push_back(std::move(variable));
+  return i;
+}
+
+void VariableStore::rename(std::size_t i, std::string name) {
+  const std::string before = std::exchange(entries_[i].name, std::move(name));
+  if (before == entries_[i].name) return;
+  if (const auto at = first_.find(before); at != first_.end() && at->second == i) {
+    const std::ptrdiff_t next = scan(before, true);
+    if (next == kNotFound) {
+      first_.erase(at);
+    } else {
+      at->second = static_cast<std::size_t>(next);
+    }
+  }
+  const auto [at, fresh] = first_.try_emplace(entries_[i].name, i);
+  if (!fresh) at->second = std::min(at->second, i);
+}
+
+void VariableStore::clear() {
+  entries_.clear();
+  first_.clear();
+  pending_.clear();
+}
+
+std::ptrdiff_t VariableStore::find(std::string_view name) const {
+  const auto at = first_.find(name);
+  return at == first_.end() ? kNotFound : static_cast<std::ptrdiff_t>(at->second);
+}
+
+const ScriptVariable* VariableStore::get(std::string_view name) const {
+  const std::ptrdiff_t i = find(name);
+  return i == kNotFound ? nullptr : &entries_[static_cast<std::size_t>(i)];
+}
+
+void VariableStore::setPending(std::size_t i, bool pending) {
+  if (pending) {
+    pending_.push_back(i);
+  } else {
+    pending_.erase(std::remove(pending_.begin(), pending_.end(), i), pending_.end());
+  }
+}
+
+std::ptrdiff_t VariableStore::findDone(std::string_view name) const {
+  const std::ptrdiff_t i = find(name);
+  if (i == kNotFound || std::find(pending_.begin(), pending_.end(), static_cast<std::size_t>(i)) == pending_.end()) {
+    return i;
+  }
+  return scan(name, false);
+}
+
+std::ptrdiff_t VariableStore::scan(std::string_view name, bool pendingToo) const {
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    if (entries_[i].name != name) continue;
+    if (pendingToo || std::find(pending_.begin(), pending_.end(), i) == pending_.end()) {
+      return static_cast<std::ptrdiff_t>(i);
+    }
+  }
+  return kNotFound;
+}
+
+}  // namespace brindlewort

@@ -1,0 +1,33 @@
+#include "platform/clock.hpp"
+
+#include <chrono>
+#include <ctime>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace brindlewort::platform {
+
+std::uint32_t tickMilliseconds() {
+#if defined(_WIN32)
+  return GetTickCount();
+#elif defined(CLOCK_MONOTONIC_COARSE)
+  // The coarse clock is read from memory: a fifth of the cost of the exact one.
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return static_cast<std::uint32_t>(static_cast<std::uint64_t>(now.tv_sec) * 1000 +
+                                    static_cast<std::uint64_t>(now.tv_nsec) / 1'000'000);
+#else
+  using namespace std::chrono;
+  return static_cast<std::uint32_t>(
+      duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
+#endif
+}
+
+std::int64_t secondsSince1970() {
+  using namespace std::chrono;
+  return duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
+}
+
+}  // namespace brindlewort::platform

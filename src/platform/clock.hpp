@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+namespace brindlewort::platform {
+
+/// Milliseconds of a counter that never goes back and is cheap enough to be read at every step of an
+/// evaluation. It may move in steps of some milliseconds. It starts anywhere and wraps at 2^32: only
+/// the unsigned difference of two readings has a meaning.
+std::uint32_t tickMilliseconds();
+
+/// Seconds since the start of 1970, universal time.
+std::int64_t secondsSince1970();
+
+}  // namespace brindlewort::platform

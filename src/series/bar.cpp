@@ -1,0 +1,43 @@
+#include "series/bar.hpp"
+
+#include "series/numbers.hpp"
+
+namespace brindlewort {
+
+std::ptrdiff_t BarStore::findDate(double date) const {
+  for (std::size_t row = 0; row < bars_.size(); ++row) {
+    if (bars_[row].JDate == date) return static_cast<std::ptrdiff_t>(row);
+  }
+  return kNotFound;
+}
+
+bool BarStore::EditRecord(const Bar& bar) {
+  const std::ptrdiff_t row = findDate(bar.JDate);
+  if (row == kNotFound) return false;
+  bars_[static_cast<std::size_t>(row)] = bar;
+  return true;
+}
+
+bool BarStore::EditJDate(double oldDate, double newDate) {
+  const std::ptrdiff_t row = findDate(oldDate);
+  if (row == kNotFound) return false;
+  bars_[static_cast<std::size_t>(row)].JDate = newDate;
+  return true;
+}
+
+std::ptrdiff_t BarStore::lastRowBefore(double date) const {
+  std::size_t rows = 0;
+  while (rows < bars_.size() && date > bars_[rows].JDate) ++rows;
+  return static_cast<std::ptrdiff_t>(rows) - 1;
+}
+
+const Bar* BarStore::byNumber(std::int32_t number) const {
+  if (number < 1 || static_cast<std::size_t>(number) > bars_.size()) return nullptr;
+  return &bars_[static_cast<std::size_t>(number) - 1];
+}
+
+std::int32_t volumeToInt32(double volume) {
+  return toInt32(volume);
+}
+
+}  // namespace brindlewort

@@ -1,0 +1,124 @@
+#include "series/series.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+
+namespace brindlewort {
+
+Series::Buffer* Series::allocate(std::size_t capacity) {
+  if (capacity > (std::numeric_limits<std::size_t>::max() - sizeof(Buffer)) / sizeof(double)) {
+    throw std::bad_alloc();
+  }
+  void* memory =
+      ::operator new (sizeof(Buffer) + capacity * sizeof(double), std::align_val_t{alignof(Buffer)});
+  return new (memory) Buffer{0, capacity, 1};
+}
+
+void Series::release() {
+  if (buffer_ && --buffer_->owners == 0) {
+    ::operator delete (buffer_, std::align_val_t{alignof(Buffer)});
+  }
+  buffer_ = nullptr;
+}
+
+Series::Series(View rows) {
+  if (rows.empty()) return;
+  buffer_ = allocate(rows.size());
+  std::copy(rows.begin(), rows.end(), buffer_->rows());
+  buffer_->size = rows.size();
+}
+
+Series::Series(const Series& other) noexcept : buffer_(other.buffer_) {
+  if (buffer_) ++buffer_->owners;
+}
+
+Series& Series::operator=(const Series& other) noexcept {
+  if (buffer_ == other.buffer_) return *this;
+  release();
+  buffer_ = other.buffer_;
+  if (buffer_) ++buffer_->owners;
+  return *this;
+}
+
+Series& Series::operator=(Series&& other) noexcept {
+  if (this == &other) return *this;
+  release();
+  buffer_ = other.buffer_;
+  other.buffer_ = nullptr;
+  return *this;
+}
+
+Series Series::uninitialized(std::size_t rows) {
+  Series series;
+  if (rows > 0) {
+    series.buffer_ = allocate(rows);
+    series.buffer_->size = rows;
+  }
+  return series;
+}
+
+Out Series::edit() {
+  if (!buffer_) return {};
+  makeRoom(buffer_->size);
+  return {buffer_->rows(), buffer_->size};
+}
+
+void Series::makeRoom(std::size_t capacity) {
+  if (buffer_ && buffer_->owners == 1 && buffer_->capacity >= capacity) return;
+  Buffer* fresh = allocate(std::max(capacity, size()));
+  if (buffer_) {
+    std::memcpy(fresh->rows(), buffer_->rows(), buffer_->size * sizeof(double));
+    fresh->size = buffer_->size;
+  }
+  release();
+  buffer_ = fresh;
+}
+
+std::size_t Series::roomToGrow(std::size_t rows) const {
+  const bool outgrown = buffer_ && rows > buffer_->capacity;
+  return outgrown ? std::max(rows, buffer_->capacity + buffer_->capacity / 2) : rows;
+}
+
+void Series::assign(std::size_t rows, double fill) {
+  if (!buffer_ || buffer_->owners > 1 || buffer_->capacity < rows) {
+    Buffer* fresh = rows > 0 ? allocate(rows) : nullptr;
+    release();
+    buffer_ = fresh;
+    if (!buffer_) return;
+  }
+  std::fill_n(buffer_->rows(), rows, fill);
+  buffer_->size = rows;
+}
+
+void Series::resize(std::size_t rows, double fill) {
+  const std::size_t before = size();
+  if (rows == before) return;
+  makeRoom(roomToGrow(rows));
+  if (rows > before) std::fill_n(buffer_->rows() + before, rows - before, fill);
+  buffer_->size = rows;
+}
+
+void Series::push_back(double value) {
+  const std::size_t rows = size();
+  if (!buffer_ || buffer_->owners > 1 || buffer_->capacity == rows) {
+    makeRoom(std::max<std::size_t>(16, roomToGrow(rows + 1)));
+  }
+  buffer_->rows()[rows] = value;
+  buffer_->size = rows + 1;
+}
+
+void Series::reserve(std::size_t rows) {
+  if (rows > 0) makeRoom(std::max(rows, size()));
+}
+
+void Series::clear() {
+  if (buffer_ && buffer_->owners == 1) {
+    buffer_->size = 0;
+  } else {
+    release();
+  }
+}
+
+}  // namespace brindlewort

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+namespace brindlewort {
+
+/// Read access to the rows of a series, oldest first.
+using View = std::span<const double>;
+/// Write access to the rows of a series.
+using Out = std::span<double>;
+
+/// A growable vector of double that behaves as a value and costs a pointer to copy: copies share one
+/// buffer until one of them is written (copy on write). Not safe for sharing between threads: all
+/// series of an engine belong to the thread that runs it.
+class Series {
+ public:
+  Series() = default;
+  Series(std::size_t rows, double fill) { assign(rows, fill); }
+  explicit Series(View rows);
+  Series(const Series& other) noexcept;
+  Series(Series&& other) noexcept : buffer_(other.buffer_) { other.buffer_ = nullptr; }
+  Series& operator=(const Series& other) noexcept;
+  Series& operator=(Series&& other) noexcept;
+  ~Series() { release(); }
+
+  /// A series of `rows` rows whose contents are unspecified; every row must be written before it is read.
+  static Series uninitialized(std::size_t rows);
+
+  std::size_t size() const { return buffer_ ? buffer_->size : 0; }
+  bool empty() const { return size() == 0; }
+  const double* data() const { return buffer_ ? buffer_->rows() : nullptr; }
+  double operator[](std::size_t row) const { return buffer_->rows()[row]; }
+  double back() const { return buffer_->rows()[buffer_->size - 1]; }
+  View view() const { return {data(), size()}; }
+
+  /// True when no other Series shares the buffer, so edit() will not copy.
+  bool unique() const { return !buffer_ || buffer_->owners == 1; }
+
+  /// The rows for writing. Copies first when the buffer is shared. The span is valid until the series
+  /// is resized, assigned or destroyed.
+  Out edit();
+  void set(std::size_t row, double value) { edit()[row] = value; }
+
+  void assign(std::size_t rows, double fill);
+  /// Keeps the rows up to `rows` and gives new ones the value `fill`. Amortised constant time per new row, so
+  /// a series may grow by one row at a time.
+  void resize(std::size_t rows, double fill);
+  /// Amortised constant time.
+  void push_back(double value);
+  void reserve(std::size_t rows);
+  void clear();
+
+ private:
+  struct alignas(32) Buffer {  // so the rows behind it start on a 32-byte boundary too
+    std::size_t size;
+    std::size_t capacity;
+    std::size_t owners;
+    double* rows() { return reinterpret_cast<double*>(this + 1); }
+    const double* rows() const { return reinterpret_cast<const double*>(this + 1); }
+  };
+
+  static Buffer* allocate(std::size_t capacity);
+  void release();
+  void makeRoom(std::size_t capacity);             // unique, with at least this capacity, rows kept
+  std::size_t roomToGrow(std::size_t rows) const;  // capacity to ask for when `rows` rows are to fit
+
+  Buffer* buffer_ = nullptr;
+};
+
+}  // namespace brindlewort

@@ -1,0 +1,180 @@
+#include "services/output/output_worker.hpp"
+
+#include "series/julian_date.hpp"
+#include "series/numbers.hpp"
+#include "series/text.hpp"
+#include "services/output/long_names.hpp"
+
+namespace brindlewort {
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+/// Stands for a row behind the end of a series; no comma in front, so that it runs into the field before it.
+constexpr std::string_view kBehindTheEnd = "-987654321.0000";
+
+/// A name as it is printed.
+std::string cleanName(std::string_view name) {
+  std::string text = replaceAll(replaceAll(name, "( ", "("), " )", ")");
+  text = replaceAll(text, "=(", "= (");
+  std::string spaced;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    spaced += text[i];
+    if (text[i] != ',') continue;
+    spaced += ' ';
+    while (i + 1 < text.size() && text[i + 1] == ' ') ++i;
+  }
+  return replaceAll(spaced, "( ", "(");
+}
+
+std::string withoutBlanks(std::string_view text) { return withoutChar(text, ' '); }
+
+std::vector<std::string> splitSets(std::string_view sets) {
+  if (contains(sets, "(") || contains(sets, ")")) return {upperCase(trim(sets))};
+  std::vector<std::string> items;
+  for (std::size_t from = 0;;) {
+    const std::size_t comma = sets.find(',', from);
+    const std::string item = withoutChar(sets.substr(from, comma - from), '"');
+    items.push_back(upperCase(trim(item)));
+    if (comma == std::string_view::npos) return items;
+    from = comma + 1;
+  }
+}
+
+/// Keeps the items that end in, or hold, the name of an output series, in the order of the items.
+void filterNames(std::vector<std::string>& names, std::string_view sets) {
+  if (sets.empty()) return;
+  std::vector<std::string> patterns;
+  for (const std::string& name : names) patterns.push_back(withoutBlanks(upperCase(name)) + ",");
+  std::vector<std::string> wanted;
+  for (std::string& item : splitSets(sets)) {
+    const std::string text = withoutBlanks(item) + ",";
+    for (const std::string& pattern : patterns) {
+      if (!contains(text, pattern)) continue;
+      wanted.push_back(std::move(item));
+      break;
+    }
+  }
+  names = std::move(wanted);
+}
+
+/// The entry of exactly this name, else the first that is the same without blanks.
+const ScriptVariable* findEntry(const CScriptEngine& engine, std::string_view name) {
+  if (const ScriptVariable* entry = engine.variables.get(name)) return entry;
+  const std::string bare = withoutBlanks(name);
+  for (std::size_t i = 0; i < engine.variables.size(); ++i) {
+    if (withoutBlanks(engine.variables[i].name) == bare) return &engine.variables[i];
+  }
+  return nullptr;
+}
+
+/// The wanted names that have a series, and the summary of their last values.
+void collectColumns(CScriptEngine& engine, std::vector<OutputColumn>& columns) {
+  for (const std::string& name : engine.outputNames) {
+    const ScriptVariable* entry = findEntry(engine, name);
+    if (!entry || entry->values.empty()) continue;
+    columns.push_back({cleanName(name), entry->values});
+    engine.outputSummary += "," + columns.back().name + ": ";
+    appendFixed(engine.outputSummary, entry->value, 4);
+  }
+}
+
+void appendHeading(std::string& text, const std::vector<OutputColumn>& columns) {
+  for (const OutputColumn& column : columns) text.append(",\"").append(column.name).append("\"");
+  text += kLineEnd;
+}
+
+/// The numbers of the bars where the main result is exactly 1, from the lookback on.
+std::string eventList(const CScriptEngine& engine, std::int32_t lookback) {
+  std::string list;
+  const View rows = engine.result.values.view();
+  for (std::size_t i = static_cast<std::size_t>(lookback); i <= rows.size(); ++i) {
+    if (rows[i - 1] == 1.0) list += std::to_string(i + 1) + ",";
+  }
+  return list;
+}
+
+std::string prepare(CScriptEngine& engine, std::string_view script) {
+  engine.wholeHistory = true;
+  engine.outputNames.clear();
+  engine.result = {};
+  return withShortNames(upperCase(script));
+}
+
+/// Runs the script; the text is what ends the work, or empty.
+std::string run(CScriptEngine& engine, std::string_view script) {
+  const std::string text = engine.RunScript(script, false, false);
+  if (!engine.errorText.empty()) return engine.errorText;
+  return text == "ALERT" ? std::string() : text;
+}
+
+void finish(CScriptEngine& engine) {
+  engine.wholeHistory = false;
+  engine.outputNames.clear();
+}
+
+}  // namespace
+
+std::size_t firstOutputBar(std::int32_t mapCount) {
+  return mapCount > 2 ? static_cast<std::size_t>(mapCount) - 1 : 2;
+}
+
+std::string runForOutput(CScriptEngine& engine, std::string_view hostScript, std::string_view outputSets,
+                         std::vector<OutputColumn>& columns) {
+  std::string text = run(engine, prepare(engine, hostScript));
+  if (text.empty()) {
+    filterNames(engine.outputNames, outputSets);
+    collectColumns(engine, columns);
+  }
+  finish(engine);
+  return text;
+}
+
+std::string outputText(CScriptEngine& engine, std::string_view hostScript, std::int32_t mapCount,
+                       std::string_view outputSets) {
+  if (hostScript.empty()) return {};
+  if (engine.eventListMode) {
+    engine.eventListMode = false;
+    const std::string script = prepare(engine, hostScript);
+    const std::int32_t lookback = engine.EstimateLookback(script);
+    std::string text = run(engine, script);
+    if (text.empty()) text = eventList(engine, lookback);
+    finish(engine);
+    return text;
+  }
+  std::vector<OutputColumn> columns;
+  std::string text = runForOutput(engine, hostScript, outputSets, columns);
+  if (!text.empty()) return text;
+
+  const std::size_t first = firstOutputBar(mapCount);
+  const std::size_t bars = engine.bars.size();
+  if (bars > first) text.reserve(64 * (columns.size() + 1) + (bars - first) * (22 + 11 * columns.size()));
+  text = "Date";
+  appendHeading(text, columns);
+  for (std::size_t i = first; i < bars; ++i) {
+    appendDateTimeText(text, engine.bars[i].JDate);
+    for (const OutputColumn& column : columns) {
+      // The first bar never reaches a series.
+      if (column.values.size() < i) {
+        text += kBehindTheEnd;
+      } else {
+        text += ',';
+        appendTruncated(text, column.values[i - 1], 4);
+      }
+    }
+    text += kLineEnd;
+  }
+  return text;
+}
+
+std::string headingText(CScriptEngine& engine, std::string_view hostScript) {
+  if (hostScript.empty()) return {};
+  std::vector<OutputColumn> columns;
+  std::string text = runForOutput(engine, hostScript, "", columns);
+  if (!text.empty()) return text;
+  text = "Date,Open,High,Low,Close,Volume";
+  appendHeading(text, columns);
+  return text;
+}
+
+}  // namespace brindlewort
