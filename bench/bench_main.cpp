@@ -1,0 +1,63 @@
+// Runs the benchmarks and prints, for each pair of our code and the plain loop beside it, the ratio of their times.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace {
+
+/// Collects the times by "<what>", row count and side, and hands every line on to the console.
+class PairReporter : public benchmark::ConsoleReporter {
+ public:
+  PairReporter() : ConsoleReporter(OO_Tabular) {}
+
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+      if (run.error_occurred || run.run_type != Run::RT_Iteration) continue;
+      const std::string name = run.benchmark_name();
+      const std::size_t argument = name.rfind('/');
+      const std::size_t side = name.rfind('/', argument - 1);
+      if (argument == std::string::npos || side == std::string::npos) continue;
+      times_[{name.substr(0, side), std::stoll(name.substr(argument + 1))}][name.substr(side + 1, argument - side - 1)] =
+          run.GetAdjustedCPUTime();
+    }
+  }
+
+  void printRatios() const {
+    std::printf("\n%-44s %10s %14s %14s %8s\n", "benchmark", "rows", "engine ns", "plain ns", "ratio");
+    for (const auto& [key, sides] : times_) {
+      const auto engine = sides.find("engine"), plain = sides.find("plain");
+      if (engine == sides.end() || plain == sides.end()) continue;
+      std::printf("%-44s %10lld %14.0f %14.0f %8.2f\n", key.first.c_str(), key.second, engine->second, plain->second,
+                  engine->second / plain->second);
+    }
+    std::printf("\n%-44s %14s %14s %8s\n", "one more bar", "10,000 ns", "1,000,000 ns", "ratio");
+    for (const auto& [key, sides] : times_) {
+      const auto few = sides.find("resumed");
+      if (few == sides.end() || key.second != 10'000) continue;
+      const auto many = times_.find({key.first, 1'000'000});
+      if (many == times_.end() || !many->second.contains("resumed")) continue;
+      const double slow = many->second.at("resumed");
+      std::printf("%-44s %14.0f %14.0f %8.2f\n", key.first.c_str(), few->second, slow, slow / few->second);
+    }
+  }
+
+ private:
+  std::map<std::pair<std::string, long long>, std::map<std::string, double>> times_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  PairReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  reporter.printRatios();
+  return 0;
+}
