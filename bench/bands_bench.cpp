@@ -1,136 +1,18 @@
-#include <benchmark/benchmark.h>
-
+#include <algorithm>
 #include <cmath>
-#include <deque>
-#include <random>
-#include <string>
 
 #include "indicators/bands.hpp"
 #include "indicators/moving_averages.hpp"
 #include "indicators/stops.hpp"
+#include "plain_averages.hpp"
 
-/// Bands and stops: the batch form beside a plain hand-written loop of the textbook formula, and the
-/// resumable form with one more bar.
-namespace brindlewort {
+/// Bands around price, and stops that trail it.
+namespace brindlewort::bench {
 namespace {
 
 constexpr Count kPeriod = 20;
 
-// ---- Inputs ----------------------------------------------------------------------------------------------
-
-struct Bars {
-  std::vector<double> open, high, low, close, volume;
-  explicit Bars(std::size_t rows) : volume(rows, 1000.0) {
-    std::mt19937_64 random(1);
-    std::uniform_real_distribution<double> step(-1.0, 1.0);
-    double level = 10000.0;
-    for (std::size_t i = 0; i < rows; ++i) {
-      open.push_back(level);
-      level += step(random);
-      close.push_back(level);
-      high.push_back(std::max(open[i], level) + std::fabs(step(random)));
-      low.push_back(std::min(open[i], level) - std::fabs(step(random)));
-    }
-  }
-  Prices prices() const { return {open, high, low, close, volume}; }
-  PriceSources sources() const {
-    return {{open, "OPEN"}, {high, "HIGH"}, {low, "LOW"}, {close, "CLOSE"}, {volume, "VOLUME"}};
-  }
-};
-
-const Bars& barsOf(std::size_t rows) {
-  static const Bars kFew(10'000), kMany(1'000'000);
-  return rows == kFew.close.size() ? kFew : kMany;
-}
-
-class Store : public WorkStore {
- public:
-  explicit Store(std::size_t rows) : rows_(rows) {}
-  WorkField field(std::string_view name, std::initializer_list<KeyPart> parts) override {
-    std::string key(name);
-    for (const KeyPart& part : parts) {
-      key += ',';
-      key += part.kind == KeyPart::kText ? std::string(part.text) : std::to_string(part.number);
-    }
-    for (Entry& entry : entries_) {
-      if (entry.key == key) return {entry.rows, &entry.slot, entry.key};
-    }
-    Entry& entry = entries_.emplace_back(Entry{key, nullRows(rows_), -1});
-    return {entry.rows, &entry.slot, entry.key};
-  }
-  void forgetLastBar() {
-    for (Entry& entry : entries_) {
-      if (entry.slot > 0) entry.slot = static_cast<std::int32_t>(rows_) - 1;
-    }
-  }
-
- private:
-  struct Entry {
-    std::string key;
-    std::vector<double> rows;
-    std::int32_t slot;
-  };
-  std::size_t rows_;
-  std::deque<Entry> entries_;
-};
-
-// ---- Ways of running -------------------------------------------------------------------------------------
-
-template <class Compute>
-void wholeSeries(benchmark::State& state, Compute compute) {
-  const Bars& bars = barsOf(static_cast<std::size_t>(state.range(0)));
-  std::vector<double> out(bars.close.size());
-  for (auto _ : state) {
-    std::fill(out.begin(), out.end(), NULL_VALUE);
-    compute(bars.prices(), Out(out));
-    benchmark::DoNotOptimize(out.data());
-    benchmark::ClobberMemory();
-  }
-  state.SetItemsProcessed(state.iterations() * state.range(0));
-}
-
-template <class Compute>
-void oneMoreBar(benchmark::State& state, Compute compute) {
-  const Bars& bars = barsOf(static_cast<std::size_t>(state.range(0)));
-  Store store(bars.close.size());
-  std::vector<double> out = nullRows(bars.close.size());
-  std::int32_t slot = -1;
-  compute(store, bars.sources(), Target{out, &slot});
-  for (auto _ : state) {
-    store.forgetLastBar();
-    slot = static_cast<std::int32_t>(out.size()) - 1;
-    compute(store, bars.sources(), Target{out, &slot});
-    benchmark::DoNotOptimize(out.data());
-    benchmark::ClobberMemory();
-  }
-}
-
-// ---- Textbook loops --------------------------------------------------------------------------------------
-
-void plainHighest(View in, Out out) {
-  for (Count i = kPeriod; i < rowsOf(in); ++i) {
-    double best = in[i - kPeriod];
-    for (Count j = i - kPeriod + 1; j < i; ++j) best = in[j] > best ? in[j] : best;
-    out[i] = best;
-  }
-}
-
-void plainLowest(View in, Out out) {
-  for (Count i = kPeriod; i < rowsOf(in); ++i) {
-    double best = in[i - kPeriod];
-    for (Count j = i - kPeriod + 1; j < i; ++j) best = in[j] < best ? in[j] : best;
-    out[i] = best;
-  }
-}
-
-void plainAverage(View in, Out out) {
-  double sum = 0.0;
-  for (Count i = 0; i < rowsOf(in); ++i) {
-    sum += in[i];
-    if (i >= kPeriod) sum -= in[i - kPeriod];
-    if (i >= kPeriod - 1) out[i] = sum / kPeriod;
-  }
-}
+// ---- Textbook loops -----------------------------------------------------------------------------------
 
 void plainDeviations(View in, Out out) {
   double sum = 0.0, squares = 0.0;
@@ -147,8 +29,7 @@ void plainDeviations(View in, Out out) {
 }
 
 void plainBollinger(View in, Out out) {
-  std::vector<double> mean(in.size());
-  plainAverage(in, mean);
+  const std::vector<double> mean = plainSimple(in, kPeriod);
   for (Count i = kPeriod - 1; i < rowsOf(in); ++i) {
     double sum = 0.0;
     for (Count j = i - kPeriod + 1; j <= i; ++j) sum += (in[j] - mean[i]) * (in[j] - mean[i]);
@@ -164,16 +45,15 @@ void plainTrueRange(const Prices& prices, Out out) {
 }
 
 void plainKeltner(const Prices& prices, Out out) {
-  std::vector<double> mean(out.size()), range(out.size()), averageRange(out.size());
-  plainAverage(prices.close, mean);
+  std::vector<double> range(out.size());
   plainTrueRange(prices, range);
-  plainAverage(range, averageRange);
+  const std::vector<double> mean = plainSimple(prices.close, kPeriod);
+  const std::vector<double> averageRange = plainSimple(range, kPeriod);
   for (Count i = kPeriod; i < prices.rows(); ++i) out[i] = mean[i] + averageRange[i] * 1.5;
 }
 
 void plainEnvelope(View in, Out out) {
-  std::vector<double> mean(in.size());
-  plainAverage(in, mean);
+  const std::vector<double> mean = plainSimple(in, kPeriod);
   for (Count i = 0; i < rowsOf(in); ++i) out[i] = mean[i] + mean[i] * 0.05;
 }
 
@@ -235,96 +115,85 @@ void plainSuperTrend(const Prices& prices, Out out) {
   }
 }
 
-// ---- The table -------------------------------------------------------------------------------------------
+// ---- Rows ---------------------------------------------------------------------------------------------
 
-template <class Compute>
-void addWhole(const char* name, Compute compute) {
-  benchmark::RegisterBenchmark(name, [=](benchmark::State& state) { wholeSeries(state, compute); })
-      ->Arg(10'000)
-      ->Arg(1'000'000);
-}
-
-template <class Compute>
-void addOneMoreBar(const char* name, Compute compute) {
-  benchmark::RegisterBenchmark(name, [=](benchmark::State& state) { oneMoreBar(state, compute); })
-      ->Arg(10'000)
-      ->Arg(1'000'000);
-}
-
-/// Registers an operation: batch, its plain loop, resumable.
-template <class Batch, class Plain, class Resumable>
-void add(const std::string& operation, Batch batch, Plain plain, Resumable resumable) {
-  addWhole((operation + "/batch").c_str(), batch);
-  addWhole((operation + "/plain").c_str(), plain);
-  addOneMoreBar((operation + "/one_more_bar").c_str(), resumable);
-}
-
-namespace batch = CFeedkit;
-namespace resumable = CTechnicalFunctions;
 using Work = WorkStore&;
 using In = const PriceSources&;
 
-const bool kRegistered = [] {
-  add(
-      "HighestHighValue", [](const Prices& p, Out out) { batch::HighestHighValue(p.high, kPeriod, out); },
-      [](const Prices& p, Out out) { plainHighest(p.high, out); },
-      [](Work, In p, Target out) { resumable::HighestHighValue(p.high, kPeriod, out); });
-  add(
-      "LowestLowValue", [](const Prices& p, Out out) { batch::LowestLowValue(p.low, kPeriod, out); },
-      [](const Prices& p, Out out) { plainLowest(p.low, out); },
-      [](Work, In p, Target out) { resumable::LowestLowValue(p.low, kPeriod, out); });
-  add(
-      "StandardDeviations",
-      [](const Prices& p, Out out) { batch::StandardDeviations(p.close, kPeriod, 2.0, kSimple, out); },
-      [](const Prices& p, Out out) { plainDeviations(p.close, out); },
-      [](Work store, In p, Target out) {
-        resumable::StandardDeviations(store, p.close, kPeriod, 2.0, kSimple, out);
-      });
-  add(
-      "BollingerBands",
-      [](const Prices& p, Out out) {
-        batch::BollingerBands(p.close, kPeriod, 2.0, kSimple, Band::kTop, out);
-      },
-      [](const Prices& p, Out out) { plainBollinger(p.close, out); },
-      [](Work store, In p, Target out) {
-        resumable::BollingerBands(store, p.close, kPeriod, 2.0, kSimple, Band::kTop, out);
-      });
-  add(
-      "KeltnerChannel",
-      [](const Prices& p, Out out) { batch::KeltnerChannel(p, kPeriod, kSimple, 1.5, Band::kTop, out); },
-      [](const Prices& p, Out out) { plainKeltner(p, out); },
-      [](Work store, In p, Target out) {
-        resumable::KeltnerChannel(store, p, kPeriod, kSimple, 1.5, Band::kTop, out);
-      });
-  add(
-      "MovingAverageEnvelope",
-      [](const Prices& p, Out out) {
-        batch::MovingAverageEnvelope(p.close, kPeriod, kSimple, 5.0, Band::kTop, out);
-      },
-      [](const Prices& p, Out out) { plainEnvelope(p.close, out); },
-      [](Work store, In p, Target out) {
-        resumable::MovingAverageEnvelope(store, p.close, kPeriod, kSimple, 5.0, Band::kTop, out);
-      });
-  add(
-      "PrimeNumberBands", [](const Prices& p, Out out) { batch::PrimeNumberBands(p, Band::kTop, out); },
-      [](const Prices& p, Out out) { plainPrimes(p.high, out); },
-      [](Work, In p, Target out) { resumable::PrimeNumberBands(p, Band::kTop, out); });
-  add(
-      "ParabolicSAR", [](const Prices& p, Out out) { batch::ParabolicSAR(p, 0.02, 0.2, out); },
-      plainParabolic,
-      [](Work store, In p, Target out) { resumable::ParabolicSAR(store, p, 0.02, 0.2, out); });
-  add(
-      "SUPERTREND", [](const Prices& p, Out out) { batch::SUPERTREND(p, kPeriod, 3.0, out); },
-      plainSuperTrend,
-      [](Work store, In p, Target out) { resumable::SUPERTREND(store, p, kPeriod, 3.0, out); });
-  addOneMoreBar("FractalChaosBands/one_more_bar", [](Work store, In p, Target out) {
-    resumable::FractalChaosBands(store, p, kPeriod, Band::kTop, out);
+void registerExtremes() {
+  batchRow("HHV/engine", [](const Bars& b, Out o) { CFeedkit::HighestHighValue(b.high, kPeriod, o); });
+  batchRow("HHV/plain", [](const Bars& b, Out o) {
+    for (Count i = kPeriod; i < rowsOf(o); ++i) o[i] = plainHighest(b.high, i - kPeriod, i - 1);
   });
-  addOneMoreBar("HighLowBands/one_more_bar", [](Work store, In p, Target out) {
-    resumable::HighLowBands(store, p, kPeriod, Band::kTop, out);
+  resumedRow("HHV/resumed",
+             [](Work, In p, Target o) { CTechnicalFunctions::HighestHighValue(p.high, kPeriod, o); });
+  batchRow("LLV/engine", [](const Bars& b, Out o) { CFeedkit::LowestLowValue(b.low, kPeriod, o); });
+  batchRow("LLV/plain", [](const Bars& b, Out o) {
+    for (Count i = kPeriod; i < rowsOf(o); ++i) o[i] = plainLowest(b.low, i - kPeriod, i - 1);
   });
-  return true;
-}();
+  resumedRow("LLV/resumed",
+             [](Work, In p, Target o) { CTechnicalFunctions::LowestLowValue(p.low, kPeriod, o); });
+}
+
+void registerDeviations() {
+  batchRow("SDV/engine",
+           [](const Bars& b, Out o) { CFeedkit::StandardDeviations(b.close, kPeriod, 2.0, kSimple, o); });
+  batchRow("SDV/plain", [](const Bars& b, Out o) { plainDeviations(b.close, o); });
+  resumedRow("SDV/resumed", [](Work s, In p, Target o) {
+    CTechnicalFunctions::StandardDeviations(s, p.close, kPeriod, 2.0, kSimple, o);
+  });
+  batchRow("BBT/engine", [](const Bars& b, Out o) {
+    CFeedkit::BollingerBands(b.close, kPeriod, 2.0, kSimple, Band::kTop, o);
+  });
+  batchRow("BBT/plain", [](const Bars& b, Out o) { plainBollinger(b.close, o); });
+  resumedRow("BBT/resumed", [](Work s, In p, Target o) {
+    CTechnicalFunctions::BollingerBands(s, p.close, kPeriod, 2.0, kSimple, Band::kTop, o);
+  });
+}
+
+void registerChannels() {
+  batchRow("KCT/engine", [](const Bars& b, Out o) {
+    CFeedkit::KeltnerChannel(b.prices(), kPeriod, kSimple, 1.5, Band::kTop, o);
+  });
+  batchRow("KCT/plain", [](const Bars& b, Out o) { plainKeltner(b.prices(), o); });
+  resumedRow("KCT/resumed", [](Work s, In p, Target o) {
+    CTechnicalFunctions::KeltnerChannel(s, p, kPeriod, kSimple, 1.5, Band::kTop, o);
+  });
+  batchRow("MAET/engine", [](const Bars& b, Out o) {
+    CFeedkit::MovingAverageEnvelope(b.close, kPeriod, kSimple, 5.0, Band::kTop, o);
+  });
+  batchRow("MAET/plain", [](const Bars& b, Out o) { plainEnvelope(b.close, o); });
+  resumedRow("MAET/resumed", [](Work s, In p, Target o) {
+    CTechnicalFunctions::MovingAverageEnvelope(s, p.close, kPeriod, kSimple, 5.0, Band::kTop, o);
+  });
+  resumedRow("HLBUP/resumed",
+             [](Work s, In p, Target o) { CTechnicalFunctions::HighLowBands(s, p, kPeriod, Band::kTop, o); });
+}
+
+void registerLevels() {
+  batchRow("PNBT/engine",
+           [](const Bars& b, Out o) { CFeedkit::PrimeNumberBands(b.prices(), Band::kTop, o); });
+  batchRow("PNBT/plain", [](const Bars& b, Out o) { plainPrimes(b.high, o); });
+  resumedRow("PNBT/resumed",
+             [](Work, In p, Target o) { CTechnicalFunctions::PrimeNumberBands(p, Band::kTop, o); });
+  resumedRow("FCHH/resumed", [](Work s, In p, Target o) {
+    CTechnicalFunctions::FractalChaosBands(s, p, kPeriod, Band::kTop, o);
+  });
+}
+
+void registerStops() {
+  batchRow("PSAR/engine", [](const Bars& b, Out o) { CFeedkit::ParabolicSAR(b.prices(), 0.02, 0.2, o); });
+  batchRow("PSAR/plain", [](const Bars& b, Out o) { plainParabolic(b.prices(), o); });
+  resumedRow("PSAR/resumed",
+             [](Work s, In p, Target o) { CTechnicalFunctions::ParabolicSAR(s, p, 0.02, 0.2, o); });
+  batchRow("SUPERT/engine", [](const Bars& b, Out o) { CFeedkit::SUPERTREND(b.prices(), kPeriod, 3.0, o); });
+  batchRow("SUPERT/plain", [](const Bars& b, Out o) { plainSuperTrend(b.prices(), o); });
+  resumedRow("SUPERT/resumed",
+             [](Work s, In p, Target o) { CTechnicalFunctions::SUPERTREND(s, p, kPeriod, 3.0, o); });
+}
+
+[[maybe_unused]] const bool kRegistered =
+    (registerExtremes(), registerDeviations(), registerChannels(), registerLevels(), registerStops(), true);
 
 }  // namespace
-}  // namespace brindlewort
+}  // namespace brindlewort::bench

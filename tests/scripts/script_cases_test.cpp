@@ -80,6 +80,9 @@ void readLine(Case& c, const std::string& line) {
   } else if (word == ">") {
     c.wantsOutput = true;
     c.output += rest + "\r\n";
+  } else if (word == "list") {
+    c.wantsOutput = true;
+    c.output = rest;
   } else if (word == "bars") {
     std::string kind;
     int count = 0;
