@@ -36,8 +36,8 @@ class ScopedTimeZone {
   bool hadZone_ = false;
 };
 
-/// Clocks of these zones, without any zone files: universal time, and five hours behind it with summer time from
-/// the second Sunday of March to the first of November, at two o'clock.
+/// Clocks of these zones, without any zone files: universal time, and five hours behind it with summer time
+/// from the second Sunday of March to the first of November, at two o'clock.
 inline constexpr const char* kUniversalZone = "UTC0";
 inline constexpr const char* kSummerTimeZone = "EST5EDT,M3.2.0,M11.1.0";
 
