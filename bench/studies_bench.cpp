@@ -110,29 +110,42 @@ void plainHammer(const Bars& b, Out out) {
   }
 }
 
+/// The last three bars between their lowest low and highest high, which is where patterns are told.
+struct PlainBars {
+  double o[3], h[3], l[3], c[3];
+  PlainBars(const Bars& b, std::size_t i) {
+    const double highest = std::max({b.high[i - 2], b.high[i - 1], b.high[i]});
+    const double lowest = std::min({b.low[i - 2], b.low[i - 1], b.low[i]});
+    for (std::size_t k = 0; k < 3; ++k) {
+      const std::size_t j = i - 2 + k;
+      o[k] = (b.open[j] - lowest) / (highest - lowest);
+      h[k] = (b.high[j] - lowest) / (highest - lowest);
+      l[k] = (b.low[j] - lowest) / (highest - lowest);
+      c[k] = (b.close[j] - lowest) / (highest - lowest);
+    }
+  }
+};
+
 void plainEngulfing(const Bars& b, Out out) {
   const auto range = [&b](std::size_t i) {
     return std::max(b.high[i], b.close[i - 1]) - std::min(b.low[i], b.close[i - 1]);
   };
-  double sum = 0.0;
-  for (std::size_t i = 2; i < out.size(); ++i) {
-    sum += range(i - 1);
-    if (i > kRangeRows + 1) sum -= range(i - 1 - kRangeRows);
-    const double o = b.open[i], c = b.close[i];
-    const bool holds = c > o && c - o > sum / kRangeRows && c > b.high[i - 1] && o < b.low[i - 1] &&
-                       b.open[i - 1] <= b.close[i - 1];
+  for (std::size_t i = kRangeRows + 1; i < out.size(); ++i) {
+    double sum = 0.0;
+    for (std::size_t j = i - kRangeRows; j < i; ++j) sum += range(j);
+    const PlainBars x(b, i);
+    const bool holds = std::fabs(b.close[i] - b.open[i]) > sum / kRangeRows && x.c[2] > x.o[2] &&
+                       x.c[2] > x.h[1] && x.o[2] < x.l[1] && x.o[1] <= x.c[1];
     out[i] = holds ? 1.0 : 0.0;
   }
 }
 
 void plainMorningStar(const Bars& b, Out out) {
   for (std::size_t i = 2; i < out.size(); ++i) {
-    const auto& o = b.open;
-    const auto& c = b.close;
-    const bool holds = c[i - 2] < o[i - 2] && o[i - 2] - c[i - 2] > 0.6 * (b.high[i - 2] - b.low[i - 2]) &&
-                       o[i - 1] < c[i - 2] && c[i - 1] < o[i - 1] &&
-                       b.high[i - 1] - b.low[i - 1] > (o[i - 1] - c[i - 1]) * 3.0 && o[i] < c[i] &&
-                       o[i - 1] < o[i];
+    const PlainBars x(b, i);
+    const bool holds = x.c[0] < x.o[0] && (x.o[0] - x.c[0]) / (0.001 + x.h[0] - x.l[0]) > 0.6 &&
+                       x.o[1] < x.c[0] && x.c[1] < x.o[1] && x.h[1] - x.l[1] > (x.o[1] - x.c[1]) * 3.0 &&
+                       x.o[2] < x.c[2] && x.o[1] < x.o[2];
     out[i] = holds ? 1.0 : 0.0;
   }
 }

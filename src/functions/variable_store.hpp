@@ -26,6 +26,8 @@ class VariableStore {
   void rename(std::size_t i, std::string name);
   void clear();
   void reserve(std::size_t entries) { entries_.reserve(entries); }
+  /// One more entry would move the others.
+  bool full() const { return entries_.size() == entries_.capacity(); }
 
   /// The first entry of exactly this name.
   std::ptrdiff_t find(std::string_view name) const;

@@ -20,17 +20,22 @@ bool breakDown(std::int64_t moment, std::tm& local) {
 #endif
 }
 
-/// The moment at which clocks of universal time show `civil`. Nothing when it is no day of the calendar.
+std::int64_t floorDivide(std::int64_t number, std::int64_t divisor) {
+  return number / divisor - (number % divisor < 0 ? 1 : 0);
+}
+
+/// The moment at which clocks of universal time show `civil`, fields beyond their range counting on. Nothing
+/// for a year that the calendar arithmetic does not reach.
 std::optional<std::int64_t> momentOfUniversalTime(const CivilTime& civil) {
   using namespace std::chrono;
-  const bool isRepresentable = civil.year >= int{year::min()} && civil.year <= int{year::max()} &&
-                               civil.month >= 1 && civil.month <= 12 && civil.day >= 1 && civil.day <= 31;
-  if (!isRepresentable) return std::nullopt;
-  const year_month_day date{year{civil.year}, month{static_cast<unsigned>(civil.month)},
-                            day{static_cast<unsigned>(civil.day)}};
-  if (!date.ok()) return std::nullopt;
-  const std::int64_t days = sys_days{date}.time_since_epoch().count();
-  return days * kSecondsPerDay + std::int64_t{civil.hour} * 3600 + std::int64_t{civil.minute} * 60 +
+  const std::int64_t monthsFromJanuary = std::int64_t{civil.month} - 1;
+  const std::int64_t years = civil.year + floorDivide(monthsFromJanuary, 12);
+  if (years < int{year::min()} || years > int{year::max()}) return std::nullopt;
+  const unsigned monthOfYear =
+      static_cast<unsigned>(monthsFromJanuary - 12 * floorDivide(monthsFromJanuary, 12)) + 1;
+  const sys_days firstOfMonth = year{static_cast<int>(years)} / month{monthOfYear} / 1;
+  const std::int64_t day = firstOfMonth.time_since_epoch().count() + std::int64_t{civil.day} - 1;
+  return day * kSecondsPerDay + std::int64_t{civil.hour} * 3600 + std::int64_t{civil.minute} * 60 +
          civil.second;
 }
 
@@ -49,9 +54,9 @@ std::int64_t momentOfLocalTime(const CivilTime& local) {
   if (!universal) return -1;
   // No clock is more than a day off universal time, so a change near `local` lies between these offsets.
   const std::optional<std::int64_t> before = offsetAt(*universal - kSecondsPerDay);
-  if (before && localTimeOf(*universal - *before) == local) return *universal - *before;
+  if (before && offsetAt(*universal - *before) == before) return *universal - *before;
   const std::optional<std::int64_t> after = offsetAt(*universal + kSecondsPerDay);
-  if (after && localTimeOf(*universal - *after) == local) return *universal - *after;
+  if (after && offsetAt(*universal - *after) == after) return *universal - *after;
   return before ? *universal - *before : -1;
 }
 

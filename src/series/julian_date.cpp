@@ -15,15 +15,11 @@ namespace {
 constexpr double kFirstSplitDate = 2299161.0;
 constexpr double kEndOfSplitDates = 13'000'000.0;
 
-std::int64_t floorDivide(std::int64_t number, std::int64_t divisor) {
-  return number / divisor - (number % divisor < 0 ? 1 : 0);
-}
-
-/// The date's share is exact: every term is far below 2^53.
+/// The date's share is exact: every term is a whole number far below 2^53.
 double julianDate(std::int32_t nYear, std::int32_t nMonth, std::int32_t nDay, double timeFraction) {
   const double year = nYear;
   const double month = nMonth;
-  const double a = static_cast<double>(floorDivide(std::int64_t{nMonth} + 9, 12));
+  const double a = std::floor((month + 9.0) / 12.0);
   const double n = 367.0 * year - std::floor(7.0 * (year + a) / 4.0) + std::floor(275.0 * month / 9.0) + nDay;
   const double s = 100.0 * year + month - 190002.5;  // ends in .5, so it is never 0
   return n + timeFraction + 1721013.5 - 0.5 * s / std::fabs(s) + 0.5;
