@@ -32,6 +32,7 @@ TEST(FirstValueIndex, AFirstValueOfExactlyMinusOneGoesOnCounting) {
 TEST(FirstValueIndex, OnlyTheFirstValueMayBeMinusOne) {
   EXPECT_EQ(0, firstValueIndex(Rows{-3.0, -1.0, kNull, kNull}));
   EXPECT_EQ(0, firstValueIndex(Rows{0.0, -1.0, kNull}));
+  EXPECT_EQ(1, firstValueIndex(Rows{-1.0, -5.0, kNull}));
 }
 
 TEST(FirstValueIndex, ANonNumberIsAValueThatIsNotPositive) {
