@@ -3,10 +3,17 @@
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <iterator>
+#include <utility>
+
+#include "indicators/candle_patterns.hpp"
 
 namespace brindlewort {
 
 namespace {
+
+using candle_patterns::CandlePattern;
+using candle_patterns::kPatterns;
 
 constexpr unsigned bitOf(int type) {
   return type >= kLongBody && type <= kBullishMatchingLow ? 1u << type : 0u;
@@ -110,31 +117,60 @@ constexpr SingleTest kSingleTests[] = {
 };
 constexpr const SingleTest& kLongBodyTest = kSingleTests[0];
 
-}  // namespace
+/// The requests for which it matters what the two older candles are; for all others only the last is tested.
+constexpr unsigned kReadsOlderCandles =
+    bitsOf({kStar, kDojiStar, kPiercingLine, kBearishDojiStar, kHaramiCross, kBullishTristar, kAbandonedBaby,
+            kBearishTwoCrows, kBullishMatchingLow});
 
-CandleRecogniser::CandleRecogniser(int requested)
-    : requested_(bitOf(requested)), patterns_(candlePatternsOf(requested)) {}
-
-bool CandleRecogniser::readsLongBody() const {
-  return (kLongBodyTest.requestedBy & requested_) != 0;
+/// Runs the single tests [test, ...) that the requested type needs on candle k.
+template <int requested, std::size_t test = 0>
+void runSingleTests(Candles& candles, std::size_t k) {
+  if constexpr (test < std::size(kSingleTests)) {
+    if constexpr (kSingleTests[test].requestedBy & bitOf(requested)) kSingleTests[test].run(candles, k);
+    runSingleTests<requested, test + 1>(candles, k);
+  }
 }
 
-int CandleRecogniser::typeOfLast(const CandleBars& bars) const {
+/// Marks the first of the patterns [pattern, ...) of the requested type that holds.
+template <int requested, std::size_t pattern = 0>
+void markPattern(Candles& candles) {
+  if constexpr (pattern < std::size(kPatterns)) {
+    constexpr const CandlePattern& own = kPatterns[pattern];
+    if constexpr (own.type == requested) {
+      if (own.holds(candles)) {
+        candles[own.candle].type = own.type;
+        candles[own.candle].direction = own.direction;
+        return;
+      }
+    }
+    markPattern<requested, pattern + 1>(candles);
+  }
+}
+
+template <int requested>
+int typeOfLast(const CandleBars& bars) {
   const CandleScale scale = {std::max({bars[0].high, bars[1].high, bars[2].high}),
                              std::min({bars[0].low, bars[1].low, bars[2].low})};
   Candles candles = {Candle{&bars[0], &scale}, Candle{&bars[1], &scale}, Candle{&bars[2], &scale}};
-  for (std::size_t k = 0; k < candles.size(); ++k) {
-    for (const SingleTest& test : kSingleTests) {
-      if (test.requestedBy & requested_) test.run(candles, k);
-    }
-  }
-  for (const CandlePattern& pattern : patterns_) {
-    if (!pattern.holds(candles)) continue;
-    candles[pattern.candle].type = pattern.type;
-    candles[pattern.candle].direction = pattern.direction;
-    break;
-  }
+  constexpr std::size_t kFirstTested = kReadsOlderCandles & bitOf(requested) ? 0 : 2;
+  for (std::size_t k = kFirstTested; k < candles.size(); ++k) runSingleTests<requested>(candles, k);
+  markPattern<requested>(candles);
   return candles.back().type;
+}
+
+/// A function of its own for each type, since the tests are short and run for every bar.
+template <int... types>
+constexpr auto typeFunctions(std::integer_sequence<int, types...>) {
+  return std::array{&typeOfLast<types>...};
+}
+constexpr auto kTypeOfLast = typeFunctions(std::make_integer_sequence<int, kBullishMatchingLow + 1>());
+
+}  // namespace
+
+CandleRecogniser candleRecogniser(int requested) {
+  const unsigned request = bitOf(requested);
+  const auto type = static_cast<std::size_t>(request != 0 ? requested : kNoCandle);
+  return {kTypeOfLast[type], (kLongBodyTest.requestedBy & request) != 0};
 }
 
 }  // namespace brindlewort

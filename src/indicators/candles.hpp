@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <span>
 
 #include "indicators/frame.hpp"
 
@@ -83,32 +82,15 @@ struct Candle {
 };
 using Candles = std::array<Candle, 3>;
 
-/// A pattern over three candles: when it holds, `candle` (an index) gets this type and direction.
-struct CandlePattern {
-  int type;
-  bool (*holds)(const Candles& candles);
-  std::size_t candle;
-  double direction;
-};
-
-/// The tests of a type over three candles; the first that holds decides. None for an unknown type and for the
-/// types that a candle has by itself.
-std::span<const CandlePattern> candlePatternsOf(int type);
-
 /// Tells whether one type of candle stands at the last of three bars.
-class CandleRecogniser {
- public:
-  explicit CandleRecogniser(int requested);
-
-  /// Whether the answer depends on `CandleBar::longBody`.
-  bool readsLongBody() const;
-
+struct CandleRecogniser {
   /// The type of the last candle: the requested one, one that the requested pattern is made of, or kNoCandle.
-  int typeOfLast(const CandleBars& bars) const;
-
- private:
-  unsigned requested_;  ///< a bit of the types, 0 for an unknown type
-  std::span<const CandlePattern> patterns_;
+  int (*typeOfLast)(const CandleBars& bars);
+  /// Whether the answer depends on `CandleBar::longBody`.
+  bool readsLongBody;
 };
+
+/// For an unknown type a recogniser that always answers kNoCandle.
+CandleRecogniser candleRecogniser(int requested);
 
 }  // namespace brindlewort

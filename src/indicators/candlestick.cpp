@@ -1,11 +1,13 @@
 #include "indicators/candlestick.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "indicators/candles.hpp"
 #include "indicators/moving_averages.hpp"
 #include "indicators/source_rows.hpp"
 #include "indicators/true_range.hpp"
+#include "indicators/windows.hpp"
 
 namespace brindlewort {
 
@@ -14,18 +16,31 @@ namespace {
 /// A body is long beyond the average true range of this many bars.
 constexpr Count kLongBodyPeriods = 15;
 
+/// The rows of the last three usable bars, oldest first; -1 where there is none.
+struct LastRows {
+  Count oldest = -1, middle = -1, newest = -1;
+
+  void push(Count row) {
+    oldest = middle;
+    middle = newest;
+    newest = row;
+  }
+};
+
 /// The prices that candles are made of.
 struct CandlePrices {
   View open, high, low, close;
 
-  bool isUsable(Count row) const { return high[row] != 0.0 && low[row] != 0.0 && close[row] != 0.0; }
-  CandleBar bar(Count row) const { return {open[row], high[row], low[row], close[row]}; }
+  bool isUsable(Count row) const {
+    return (high[row] != 0.0) & (low[row] != 0.0) & (close[row] != 0.0);  // one branch for the three
+  }
+  CandleBar bar(Count row) const {
+    return row < 0 ? CandleBar() : CandleBar{open[row], high[row], low[row], close[row]};
+  }
+  CandleBars bars(const LastRows& rows) const {
+    return {bar(rows.oldest), bar(rows.middle), bar(rows.newest)};
+  }
 };
-
-/// A new bar comes, the oldest of the three goes.
-void push(CandleBars& bars, const CandleBar& bar) {
-  bars = {bars[1], bars[2], bar};
-}
 
 }  // namespace
 
@@ -45,6 +60,7 @@ CandlePrices pricesOf(const Prices& prices) {
 /// The true ranges of the usable bars from row `first` on, one for each usable bar.
 std::vector<double> usableRanges(const CandlePrices& prices, Count first) {
   std::vector<double> high, low, close;
+  for (std::vector<double>* rows : {&high, &low, &close}) rows->reserve(prices.close.size() - first);
   for (Count row = first; row < rowsOf(prices.close); ++row) {
     if (!prices.isUsable(row)) continue;
     high.push_back(prices.high[row]);
@@ -56,20 +72,38 @@ std::vector<double> usableRanges(const CandlePrices& prices, Count first) {
   return range;
 }
 
-/// Tells the three bars what a long body is. `ranges` are those of all usable bars so far. The average sees
-/// the last of them as a series of its own; its first row is 16, so it never reads the two rows at the head
-/// that have no range there.
-void setLongBodies(View ranges, CandleBars& bars) {
-  const std::size_t seen = std::min(ranges.size(), static_cast<std::size_t>(kLookback));
-  std::array<double, kLookback> average;
-  average.fill(NULL_VALUE);
-  SimpleMovingAverage(ranges.last(seen), kLongBodyPeriods, Out(average).first(seen));
-  Count barBefore = static_cast<Count>(seen) - 1;
-  for (auto bar = bars.rbegin(); bar != bars.rend(); ++bar) {
-    --barBefore;
-    bar->longBody = barBefore >= 0 ? average[static_cast<std::size_t>(barBefore)] : NULL_VALUE;
+/// The averages by which bodies are long, for series that end at any of the usable bars. Each such series is
+/// its last 20 bars; their average starts at bar 16, whose window is added up, and slides from there to the
+/// bar before the last.
+class LongBodies {
+ public:
+  explicit LongBodies(std::vector<double> ranges) : ranges_(std::move(ranges)), sums_(ranges_.size()) {
+    sumWindows<WindowOrder::kNewestFirst>(
+        kFirstAverage, rowsOf(sums_), kLongBodyPeriods, [this](Count j, Count) { return nz(ranges_[j]); },
+        [this](Count i, double sum) { sums_[i] = sum; });
   }
-}
+
+  /// Tells the last three of the first `count` bars, each by the average of the bar before it.
+  void tell(Count count, CandleBars& bars) const {
+    constexpr double kDivisor = kLongBodyPeriods;
+    const Count first = std::max(kFirstAverage, count - kLookback + kFirstAverage);
+    if (first > count - 2) return;
+    double sum = sums_[first];
+    bars[first + 4 - count].longBody = sum / kDivisor;
+    for (Count i = first + 1; i <= count - 2; ++i) {
+      sum -= nz(ranges_[i - kLongBodyPeriods]);
+      sum += nz(ranges_[i]);
+      bars[i + 4 - count].longBody = sum / kDivisor;
+    }
+  }
+
+ private:
+  /// A series has no ranges at its bars 0 and 1.
+  static constexpr Count kFirstAverage = kLongBodyPeriods + 1;
+
+  std::vector<double> ranges_;
+  std::vector<double> sums_;
+};
 
 }  // namespace
 
@@ -81,30 +115,38 @@ int CandlestickPattern(const Prices& prices, int requested) {
   for (Count usable = 0; first > 0 && usable < kLookback; --first) {
     if (candles.isUsable(first - 1)) ++usable;
   }
-  CandleBars bars;
+  LastRows last;
   for (Count row = first; row < n; ++row) {
-    if (candles.isUsable(row)) push(bars, candles.bar(row));
+    if (candles.isUsable(row)) last.push(row);
   }
-  const CandleRecogniser recogniser(requested);
-  if (recogniser.readsLongBody()) setLongBodies(usableRanges(candles, first), bars);
+  CandleBars bars = candles.bars(last);
+  const CandleRecogniser recogniser = candleRecogniser(requested);
+  if (recogniser.readsLongBody) {
+    std::vector<double> ranges = usableRanges(candles, first);
+    const Count usable = rowsOf(ranges);
+    LongBodies(std::move(ranges)).tell(usable, bars);
+  }
   return recogniser.typeOfLast(bars);
 }
 
 void CandlestickPatternRows(const Prices& prices, int requested, Out out) {
   const Count n = prices.rows();
   const CandlePrices candles = pricesOf(prices);
-  const CandleRecogniser recogniser(requested);
-  std::vector<double> ranges;
-  if (recogniser.readsLongBody()) ranges = usableRanges(candles, 0);
-  CandleBars bars;
-  std::size_t usable = 0;
+  const CandleRecogniser recogniser = candleRecogniser(requested);
+  const LongBodies longBodies(recogniser.readsLongBody ? usableRanges(candles, 0) : std::vector<double>());
+  LastRows last;
+  Count usable = 0;
   for (Count row = 0; row < n; ++row) {
     if (candles.isUsable(row)) {
-      push(bars, candles.bar(row));
+      last.push(row);
       ++usable;
-      if (recogniser.readsLongBody()) setLongBodies(View(ranges).first(usable), bars);
     }
-    const int type = row < kTooFewRows ? kNoCandle : recogniser.typeOfLast(bars);
+    int type = kNoCandle;
+    if (row >= kTooFewRows) {
+      CandleBars bars = candles.bars(last);
+      if (recogniser.readsLongBody) longBodies.tell(usable, bars);
+      type = recogniser.typeOfLast(bars);
+    }
     out[row] = type == requested ? 1.0 : 0.0;
   }
 }
@@ -129,21 +171,15 @@ View longBodies(WorkStore& store, const PriceSources& prices) {
   return average.rows;
 }
 
-/// The bar of a row, which is long by the average of the row before.
-CandleBar barAt(const CandlePrices& prices, View longBodies, Count row) {
-  CandleBar bar = prices.bar(row);
-  if (row > 0 && row <= rowsOf(longBodies)) bar.longBody = longBodies[row - 1];
-  return bar;
-}
-
-/// The last three usable bars of the rows before `end`.
-CandleBars barsBefore(const CandlePrices& prices, View longBodies, Count end) {
-  CandleBars bars;
-  std::size_t missing = bars.size();
-  for (Count row = end - 1; row >= 0 && missing > 0; --row) {
-    if (prices.isUsable(row)) bars[--missing] = barAt(prices, longBodies, row);
+/// The last three usable rows before `end`.
+LastRows lastRowsBefore(const CandlePrices& prices, Count end) {
+  LastRows last;
+  for (Count* place : {&last.newest, &last.middle, &last.oldest}) {
+    while (end > 0 && !prices.isUsable(end - 1)) --end;
+    *place = --end;
+    if (end < 0) break;
   }
-  return bars;
+  return last;
 }
 
 }  // namespace
@@ -153,11 +189,18 @@ Status CandlestickPattern(WorkStore& store, const PriceSources& prices, int requ
   const Count n = commonRows(out.rows, {candles.open, candles.high, candles.low, candles.close});
   const Count start = *out.slot == -1 ? kFirstRow : std::max<Count>(*out.slot - kRecomputedRows, kFirstRow);
   if (start >= n) return kNothingDone;
-  const CandleRecogniser recogniser(requested);
-  const View average = recogniser.readsLongBody() ? longBodies(store, prices) : View();
-  CandleBars bars = barsBefore(candles, average, start);
+  const CandleRecogniser recogniser = candleRecogniser(requested);
+  const View average = recogniser.readsLongBody ? longBodies(store, prices) : View();
+  const auto longBodyOf = [average](Count row) {
+    return row > 0 && row <= rowsOf(average) ? average[row - 1] : NULL_VALUE;
+  };
+  LastRows last = lastRowsBefore(candles, start);
   for (Count row = start; row < n; ++row) {
-    if (candles.isUsable(row)) push(bars, barAt(candles, average, row));
+    if (candles.isUsable(row)) last.push(row);
+    CandleBars bars = candles.bars(last);
+    bars[0].longBody = longBodyOf(last.oldest);
+    bars[1].longBody = longBodyOf(last.middle);
+    bars[2].longBody = longBodyOf(last.newest);
     out.rows[row] = recogniser.typeOfLast(bars);
   }
   return finish(out, n);

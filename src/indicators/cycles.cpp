@@ -213,7 +213,7 @@ void ComparativeRelativeStrength(View a, View b, Out out) {
   if (rowsOf(b) != n) return;
   for (Count i = 1; i < n; ++i) {
     const double ratio = nz(a[i]) / nz(b[i]);
-    out[i] = (b[i] == 0.0) | (ratio == 1.0) ? NULL_VALUE : ratio;
+    out[i] = b[i] == 0.0 || ratio == 1.0 ? NULL_VALUE : ratio;
   }
 }
 

@@ -6,15 +6,17 @@ namespace brindlewort {
 
 Count firstValueIndex(View series) {
   constexpr double kNothingYet = -1.0;
-  double seen = kNothingYet;
+  double first = kNothingYet;
+  bool any = false;
   Count nulls = 0;
   for (double x : series) {
     if (isNull(x)) {
-      if (seen == kNothingYet) ++nulls;
+      if (first == kNothingYet) ++nulls;
       continue;
     }
     if (x > 0.0) break;
-    if (seen == kNothingYet) seen = x;
+    if (!any) first = x;
+    any = true;
   }
   return nulls;
 }

@@ -104,7 +104,8 @@ struct Range {
   double low;
 };
 
-/// The range of rows [first, last]: a row that lowers the low is not tested for the high.
+/// The range of rows [first, last], the low starting from `seed`: a row that lowers the low is not tested for
+/// the high.
 Range scannedRange(View in, Count first, Count last, double seed) {
   Range range{.low = seed};
   for (Count j = first; j <= last; ++j) {
@@ -119,8 +120,8 @@ Range scannedRange(View in, Count first, Count last, double seed) {
 }
 
 /// Rows [first, last) of the filter. The low of a window starts from the row where the scan of the window
-/// before it stopped: its own newest row, save for the first window, which starts from `seed`. `steps` is the
-/// count of steps in the path, newest first p of them, or p - 1 where no step leads into the oldest row.
+/// before it stopped: its own newest row, save for the first window, which starts from `seed`. The path has
+/// `steps` steps: p, or p - 1 where none leads into the oldest row.
 void filterRows(View in, Count p, Count first, Count last, Count steps, double seed, Out out) {
   RollingHigh<nz> high(in, p, first);
   RollingLow<nz> low(in, p, first);
@@ -133,7 +134,8 @@ void filterRows(View in, Count p, Count first, Count last, Count steps, double s
         low.slideTo(i);
         const Range range = i == first ? scannedRange(in, i - p + 1, i, seed)
                                        // Where the seed is a row of the window, no row that lowers the low
-                                       // can be the highest: two plain scans give the same.
+                                       // can be the highest: two plain scans give the same. (A window
+                                       // with a row that is no number has no path either.)
                                        : Range{high.from(0.0), low.from(nz(in[i]))};
         out[i] = verticalHorizontal(range.high, range.low, path);
       });

@@ -36,9 +36,11 @@ class ScopedTimeZone {
   bool hadZone_ = false;
 };
 
-/// Clocks of these zones, without any zone files: universal time, and five hours behind it with summer time
-/// from the second Sunday of March to the first of November, at two o'clock.
+/// Clocks of these zones need no zone files: universal time; five hours behind it, with summer time from the
+/// second Sunday of March to the first of November, at two o'clock; an hour before it, with summer time from
+/// the last Sunday of March, at two o'clock, to the last of October, at three.
 inline constexpr const char* kUniversalZone = "UTC0";
 inline constexpr const char* kSummerTimeZone = "EST5EDT,M3.2.0,M11.1.0";
+inline constexpr const char* kEasternSummerTimeZone = "CET-1CEST,M3.5.0,M10.5.0/3";
 
 }  // namespace brindlewort::testing
