@@ -16,7 +16,7 @@ constexpr const char* kCrossover =
 CScriptOutput component(std::int64_t rows) {
   const Bars& b = bars(rows);
   CScriptOutput output;
-  output.reserve(b.close.size());
+  output.makeRoom(b.close.size());
   for (std::size_t i = 0; i < b.close.size(); ++i) {
     output.AppendRecord(2444300.5 + static_cast<double>(i % 40000), b.open[i], b.high[i], b.low[i], b.close[i],
                         static_cast<std::int32_t>(b.volume[i]));

@@ -10,13 +10,12 @@ enum class AroonLine { kUp, kDown, kOscillator };
 namespace CFeedkit {
 /// How recent the highest high (up) and the lowest low (down) of a window are: 100 on the present row, 0 when
 /// p rows back. The oscillator is up less down.
-/// formula: up = (p - (i - row of the highest high)) / p * 100, down = (p - (i - row of the lowest low)) / p
-/// * 100 batch: 1 <= p <= n; rows from p + 1; the window is the present row and the p rows before it; of
-/// equal
+/// formula: up = (p - (i - row of the highest high)) / p * 100;
+///   down = (p - (i - row of the lowest low)) / p * 100
+/// batch: 1 <= p <= n; rows from p + 1; the window is the present row and the p rows before it; of equal
 ///   extremes the present row wins, then the oldest.
-/// resumable: 1 <= p <= n; rows from p - 1, whatever the lead; the present row and the p - 1 rows before it;
-/// of
-///   equal extremes the newest wins.
+/// resumable: 1 <= p <= n; rows from p - 1, whatever the lead; the window is the present row and the p - 1
+///   rows before it; of equal extremes the newest wins.
 void AROON(const Prices& prices, Count p, AroonLine line, Out out);
 }  // namespace CFeedkit
 

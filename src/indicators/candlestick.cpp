@@ -31,9 +31,7 @@ struct LastRows {
 struct CandlePrices {
   View open, high, low, close;
 
-  bool isUsable(Count row) const {
-    return (high[row] != 0.0) & (low[row] != 0.0) & (close[row] != 0.0);  // one branch for the three
-  }
+  bool isUsable(Count row) const { return high[row] != 0.0 && low[row] != 0.0 && close[row] != 0.0; }
   CandleBar bar(Count row) const {
     return row < 0 ? CandleBar() : CandleBar{open[row], high[row], low[row], close[row]};
   }

@@ -7,11 +7,10 @@ namespace brindlewort {
 namespace CFeedkit {
 
 /// Tells whether the requested candlestick pattern (1 to 29) stands at the newest bar: the type of that bar's
-/// candle, which is the requested type, a type that the pattern is made of (a long body, a doji, a hammer, a
-/// star), or 0. Only bars with a high, low and close other than 0 count; of these the last three are looked
-/// at. formula: each pattern has tests of its own on open, high, low and close of the last three bars; a body
-/// is
-///   long beyond the average true range of 15 bars, as it stood a bar before
+/// candle, which is the requested type, a type that the pattern is made of (a long body, a doji, a hammer or
+/// a star), or 0. The last three bars are looked at; bars whose high, low or close is 0 are passed over.
+/// formula: each pattern has tests of its own on open, high, low and close of the last three bars; a body
+///   is long beyond the average true range of 15 bars, as it stood a bar before
 /// batch: needs n > 3; the average true range is that of the last 20 usable bars by themselves
 /// resumable: needs n >= 3; rows from 2, each holding the type of the newest candle at that row; the average
 ///   true range is that of all rows; recomputes three rows

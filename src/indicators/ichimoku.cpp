@@ -1,5 +1,9 @@
 #include "indicators/ichimoku.hpp"
 
+#include <algorithm>
+#include <array>
+#include <functional>
+
 #include "indicators/extremes.hpp"
 #include "indicators/source_rows.hpp"
 
@@ -10,16 +14,50 @@ namespace {
 /// Span B always looks back this far; its period is only the shift.
 constexpr Count kLongRows = 52;
 
+/// Windows of up to this many rows are scanned, wider ones slide.
+constexpr Count kScannedRows = 16;
+/// Windows scanned side by side, so that the compiler can use vector instructions across them.
+constexpr Count kSideBySide = 64;
+
+using Windows = std::array<double, kSideBySide>;
+
+/// The best of each of the p-row windows ending at `rows` rows from `first` on, scanned newest row first.
+template <class Beats>
+void scanWindows(View in, Count p, Count first, Count rows, Windows& best) {
+  std::array<double, kSideBySide + kScannedRows> read;
+  const Count before = p - 1;
+  for (Count r = 0; r < before + rows; ++r) read[r] = nz(in[first - before + r]);
+  for (Count r = 0; r < rows; ++r) best[r] = read[before + r];
+  for (Count k = 1; k < p; ++k) {
+    const double* older = read.data() + before - k;
+    for (Count r = 0; r < rows; ++r) best[r] = Beats{}(older[r], best[r]) ? older[r] : best[r];
+  }
+}
+
+/// The middles of windows of up to kScannedRows rows, for up to kSideBySide rows.
+void scanMiddles(View high, View low, Count p, Count first, Count last, Out out) {
+  Windows highest, lowest;
+  scanWindows<std::greater<>>(high, p, first, last - first, highest);
+  scanWindows<std::less<>>(low, p, first, last - first, lowest);
+  for (Count i = first; i < last; ++i) out[i] = (highest[i - first] + lowest[i - first]) / 2.0;
+}
+
 /// The middle between the highest high and the lowest low of the p rows ending at each row of [first, last).
-/// A window starts p - 1 rows before its own row, and the lines start at row p, so row 0 is in none.
+/// A window starts p - 1 rows before its own row, and the lines start at row p, so row 0 is in none. The
+/// search begins with the window's own row, which therefore stands when it is not a number.
 void fillMiddle(View high, View low, Count p, Count first, Count last, Out out) {
   if (first >= last) return;
+  if (p <= kScannedRows) {
+    for (Count i = first; i < last; i += kSideBySide) {
+      scanMiddles(high, low, p, i, std::min(i + kSideBySide, last), out);
+    }
+    return;
+  }
   RollingHigh<nz> highest(high, p, first);
   RollingLow<nz> lowest(low, p, first);
   for (Count i = first; i < last; ++i) {
     highest.slideTo(i);
     lowest.slideTo(i);
-    // The search begins with the window's own row, which therefore stands when it is not a number.
     out[i] = (highest.from(nz(high[i])) + lowest.from(nz(low[i]))) / 2.0;
   }
 }

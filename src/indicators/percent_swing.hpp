@@ -24,7 +24,8 @@ void PercentSwing(const Prices& prices, double percent, Count swingNumber, Swing
 
 namespace CTechnicalFunctions {
 
-/// Writes every row of the output anew: a later bar may still move the last pivot.
+/// Writes every row of the output anew, since a later bar may still move the last pivot; nothing is kept in
+/// the store.
 Status PercentSwing(WorkStore& store, const PriceSources& prices, double percent, Count swingNumber,
                     SwingLine line, Target out);
 

@@ -21,12 +21,12 @@ void PointFigureSmooth(View source, double boxSize, Count reversal, Out out);
 namespace CTechnicalFunctions {
 
 /// The columns of a point and figure chart: how many boxes the rising (X) and the falling (O) column have,
-/// and which of them the price is in. A column's count stays while the other one grows. formula: a column
-/// grows by the whole boxes of boxSize that the price moves on, and ends when the price
+/// and which of them the price is in. A column's count stays while the other one grows.
+/// formula: a column grows by the whole boxes of boxSize that the price moves on, and ends when the price
 ///   comes back by reversal * boxSize or more; prices compare at four decimals
-/// resumable: boxSize above 0; rows from 0, the direction from row 1 and from the first column on; the chart
-/// is
-///   drawn again from row 0, rows from the last computed one are written
+/// resumable: boxSize above 0; rows from 0, the direction from row 1 and from the first column on; draws the
+///   chart again from row 0 and writes the rows from the last computed one
+///
 /// No work series are kept, so the store is not used.
 Status PointFigure(WorkStore& store, Source first, Source second, double boxSize, Count reversal,
                    PointFigureLine line, Target out);

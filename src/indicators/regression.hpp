@@ -35,11 +35,10 @@ double CORRELATIONANALYSIS(View a, View b);
 
 /// Standard deviation of the logarithmic returns, scaled to a span of barHistory bars.
 /// formula: StandardDeviations(log(in[i] / in[i - 1]), p, deviations, SIMPLE) * sqrt(barHistory) * 100
-/// batch: barHistory >= 0, 1 <= p <= n, 0 <= deviations <= 100; logarithm to base 10, of any ratio; rows from
-///   2, 0 where the deviation has no value yet.
+/// batch: barHistory >= 0, 1 <= p <= n, 0 <= deviations <= 100; logarithm to base 10, of any ratio;
+///   rows from 2, 0 where the deviation has no value yet.
 /// resumable: the same ranges; natural logarithm, 0 where the previous row is not positive; rows from the
-/// lead
-///   of the deviation.
+///   lead of the deviation.
 void HistoricalVolatilityIndex(View in, Count p, Count barHistory, double deviations, Out out);
 
 /// Direction of a series: 1 up, 2 down, 3 sideways.
@@ -47,8 +46,7 @@ void HistoricalVolatilityIndex(View in, Count p, Count barHistory, double deviat
 /// batch: rows 1 to p compare in[i] with in[1]; later rows compare the simple moving average over p with
 ///   itself p rows back.
 /// resumable: 1 <= p <= n; rows from lead + p - 1; another method: 1 where each of the p - 1 steps of the
-/// window
-///   rises, 2 where each falls, else 3.
+///   window rises, 2 where each falls, else 3.
 void TREND(View in, Count p, Out out);
 
 /// Sum of the last `count` comparisons of a series with itself p rows back.

@@ -13,8 +13,8 @@ namespace CFeedkit {
 /// batch: position and first stop from rows 1 and 2, so at least 3 rows; rows from 2; on a turn the stop is
 /// the extreme of the row before; the AF grows while it is below maxAF and may pass it by one step
 /// resumable: always starts long, at the low of row 1; rows from 1; the AF never passes maxAF; a turn back to
-/// long asks for the position two rows back; recomputes from two rows before the rows done, never before row
-/// 2
+///   long asks for the position two rows back; recomputes from two rows before the rows done, never before
+///   row 2
 void ParabolicSAR(const Prices& prices, double minAF, double maxAF, Out out);
 
 /// A stop below the price in an up trend and above it in a down trend, a multiple of the average true range

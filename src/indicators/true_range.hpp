@@ -18,8 +18,8 @@ void TrueRange(const Prices& prices, Out out);
 /// formula: type >= 0: movingAverageByType(max(high[i], close[i - 1]) - min(low[i], close[i - 1]), p, type);
 ///   type < 0: ((p - 1) * out[i - 1] + TrueRange[i]) / p
 /// batch: 1 <= p < n; the range from row 2; Wilder: seed SimpleMovingAverage(TrueRange, p) at row p + 1.
-/// resumable: 1 <= p <= n; the range from row 1; Wilder: seed at the first value of the simple average, row
-/// p.
+/// resumable: 1 <= p <= n; the range from row 1; Wilder: seed at the first value of the simple average,
+///   row p.
 void AverageTrueRange(const Prices& prices, Count p, Count maType, Out out);
 }  // namespace CFeedkit
 

@@ -27,17 +27,19 @@ void OnBalanceVolume(View in, View volume, Out out);
 void PriceVolumeTrend(View in, View volume, Out out);
 
 /// Compounds the relative change of the price over the rows on which volume rose.
-/// formula: nz(out[i-1]) * (in[i] - in[i-1]) / in[i-1] + nz(out[i-1]) if volume[i-1] < volume[i], else
-/// out[i-1] batch: seed 1.0 at row 1, rows from 2; no guard on a price of 0 resumable: seed 1.0 at the higher
-/// lead, rows from the next; a row after a price or an index of 0 repeats
+/// formula: nz(out[i-1]) * (in[i] - in[i-1]) / in[i-1] + nz(out[i-1]) if volume[i-1] < volume[i],
+///   else out[i-1]
+/// batch: seed 1.0 at row 1, rows from 2; no guard on a price of 0
+/// resumable: seed 1.0 at the higher lead, rows from the next; a row after a price or an index of 0 repeats
 ///   the index
 void PositiveVolumeIndex(View in, View volume, Out out);
 
 /// Compounds the relative change of the price over the rows on which volume fell. A result that is not a
 /// finite number is stored as a null.
-/// formula: nz(out[i-1]) * (in[i] - in[i-1]) / in[i-1] + nz(out[i-1]) if volume[i-1] > volume[i], else
-/// out[i-1] batch: seed 1.0 at row 1, rows from 2 resumable: seed 1.0 at the higher lead, rows from the next;
-/// a row on which volume fell is 0 when the price
+/// formula: nz(out[i-1]) * (in[i] - in[i-1]) / in[i-1] + nz(out[i-1]) if volume[i-1] > volume[i],
+///   else out[i-1]
+/// batch: seed 1.0 at row 1, rows from 2
+/// resumable: seed 1.0 at the higher lead, rows from the next; a row on which volume fell is 0 when the price
 ///   before times the index before is 0
 void NegativeVolumeIndex(View in, View volume, Out out);
 
@@ -63,9 +65,8 @@ void TradeVolumeIndex(View in, View volume, double minimumTick, Out out);
 void MoneyFlowIndex(const Prices& prices, Count p, Out out);
 
 /// Volume weighed by a multiplier, over the plain volume of the window.
-/// formula: sum of m * volume / sum of volume over the p rows ending at i; a = (close - low) - (high -
-/// close),
-///   b = high - low
+/// formula: sum of m * volume / sum of volume over the p rows ending at i;
+///   a = (close - low) - (high - close), b = high - low
 /// batch: 1 <= p < rows; first row p + 1. Each window is walked from the newest row to the oldest; m starts
 ///   as 1, is replaced by a / b only on a row where a or b is 0, and is carried from window to window. Null
 ///   where the volume is 0

@@ -1,5 +1,7 @@
 #include "series/bar.hpp"
 
+#include <algorithm>
+
 #include "series/numbers.hpp"
 
 namespace brindlewort {
@@ -34,6 +36,11 @@ std::ptrdiff_t BarStore::lastRowBefore(double date) const {
 const Bar* BarStore::byNumber(std::int32_t number) const {
   if (number < 1 || static_cast<std::size_t>(number) > bars_.size()) return nullptr;
   return &bars_[static_cast<std::size_t>(number) - 1];
+}
+
+void BarStore::makeRoom(std::size_t more) {
+  const std::size_t wanted = bars_.size() + more;
+  if (wanted > bars_.capacity()) bars_.reserve(std::max(wanted, bars_.capacity() * 2));
 }
 
 std::int32_t volumeToInt32(double volume) {

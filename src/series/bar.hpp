@@ -47,7 +47,8 @@ class BarStore {
   const Bar& operator[](std::size_t row) const { return bars_[row]; }
   Bar& operator[](std::size_t row) { return bars_[row]; }
   const Bar& back() const { return bars_.back(); }
-  void reserve(std::size_t bars) { bars_.reserve(bars); }
+  /// Room for `more` bars, grown in proportion, so that blocks of any size are appended in linear time.
+  void makeRoom(std::size_t more);
   /// `bars` is not this store's own vector.
   void insertFront(const std::vector<Bar>& bars) { bars_.insert(bars_.begin(), bars.begin(), bars.end()); }
   const std::vector<Bar>& rows() const { return bars_; }

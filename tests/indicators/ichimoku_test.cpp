@@ -216,6 +216,19 @@ TEST(IchimokuBatch, EqualsTheSlowTwinForEveryShapeAndLength) {
   }
 }
 
+TEST(IchimokuBatch, NarrowAndWideWindowsEqualTheSlowTwinOverManyRows) {
+  for (Shape shape : kAllShapes) {
+    for (int n : {64, 65, 130, 200}) {
+      const PriceRows prices = makePrices(shape, n);
+      for (Count p : {1, 9, 15, 16, 17, 40, 63}) {
+        ASSERT_TRUE(sameRows(twin(prices, {.tenkan = p}, IchimokuLine::kTenkan, true),
+                             batch(prices, {.tenkan = p}, IchimokuLine::kTenkan)))
+            << "shape " << static_cast<int>(shape) << " n " << n << " p " << p;
+      }
+    }
+  }
+}
+
 // ---- Resumable form ------------------------------------------------------------------------------------
 
 TEST(IchimokuResumable, HasTheRowsOfTheBatchForm) {

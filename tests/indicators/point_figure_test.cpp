@@ -200,7 +200,7 @@ TEST(PointFigure, Row0CountsButHasNoDirection) {
 }
 
 TEST(PointFigure, PricesCompareAtFourDecimals) {
-  // A box of 1/131072, some 0.0000076: a rise of 0.00009 is eleven boxes, but is not seen; 0.0001 is thirteen.
+  // A box of some 0.0000076: a rise of 0.00009 is eleven boxes, but is not seen; 0.0001 is thirteen.
   const double boxSize = 0x1p-17;
   EXPECT_TRUE(sameRows(Rows{0, 0, 13}, chart({1, 1.00009, 1.0001}, boxSize, 3, PointFigureLine::kX)));
 }

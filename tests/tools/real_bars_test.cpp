@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "bars_csv.hpp"
+#include "series/null_value.hpp"
 #include "services/output/script_output.hpp"
 
 namespace brindlewort::tool {

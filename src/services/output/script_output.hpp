@@ -75,7 +75,8 @@ class CScriptOutput {
   const Series* findSeries(std::string_view name) const;
 
   const BarStore& bars() const { return bars_; }
-  void reserve(std::size_t bars) { bars_.reserve(bars); }
+  /// Room for `more` bars to be appended.
+  void makeRoom(std::size_t more) { bars_.makeRoom(more); }
 
  private:
   CScriptEngine& prepareRun(std::string_view script, std::int32_t mapCount);

@@ -54,7 +54,7 @@ int32_t bw_script_output_append_records(bw_script_output* h, const double* rows,
   return onHandle(h, [&](bw_script_output& handle) {
     if (count == 0) return kSuccess;
     if (!rows) return kNullArgument;
-    handle.component.reserve(static_cast<std::size_t>(handle.component.bars().RecordCount()) + count);
+    handle.component.makeRoom(count);
     for (const double* row = rows; row != rows + 6 * count; row += 6) {
       handle.component.AppendRecord(row[0], row[1], row[2], row[3], row[4], toInt32(row[5]));
     }

@@ -1,0 +1,83 @@
+#include "function_listing.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace brindlewort::tool {
+namespace {
+
+Slot slot(SlotKind kind, std::string_view name, double low = -kNoLimit, double high = kNoLimit) {
+  Slot result;
+  result.kind = kind;
+  result.name = name;
+  result.low = low;
+  result.high = high;
+  return result;
+}
+
+std::vector<FunctionRow> rows() {
+  FunctionRow mean;
+  mean.names = {{"MN"}, {"MEANOF"}};
+  mean.slots = {slot(SlotKind::kSeries, "source"), slot(SlotKind::kWhole, "periods", 2, kBars)};
+  mean.slots[0].defaultSeries = "CLOSE";
+  FunctionRow lines;
+  lines.names = {{"UPLINE", 0}, {"DOWNLINE", 1}, {"UL", 0}};
+  lines.slots = {slot(SlotKind::kNumber, "factor", 0, 1), slot(SlotKind::kInteger, "levels", 1)};
+  lines.slots[0].exclusive = true;
+  lines.slots[1].optional = true;
+  lines.slots[1].fallback = 3;
+  FunctionRow plain;
+  plain.names = {{"NOW"}};
+  plain.noArguments = true;
+  plain.path = Path::kIncremental;
+  FunctionRow special;
+  special.names = {{"WHEN"}};
+  return {mean, lines, plain, special};
+}
+
+TEST(FunctionListing, ListsALineForEachOutputWithItsSpellings) {
+  EXPECT_EQ(listFunctions(rows()),
+            "MN(source, periods)  also MEANOF\n"
+            "UPLINE(factor, levels)  also UL\n"
+            "DOWNLINE(factor, levels)\n"
+            "NOW()\n"
+            "WHEN(...)\n");
+}
+
+TEST(FunctionListing, DescribesTheArgumentsOfAFunction) {
+  EXPECT_EQ(describeFunction(rows(), "meanof"),
+            "MN(source, periods)\n"
+            "Also written MEANOF.\n"
+            "  source: series; CLOSE when left out\n"
+            "  periods: whole number, 2 to the number of bars\n");
+  EXPECT_EQ(describeFunction(rows(), "DOWNLINE"),
+            "DOWNLINE(factor, levels)\n"
+            "  factor: number, between 0 and 1\n"
+            "  levels: number, cut to a whole one, at least 1; 3 when left out\n");
+  EXPECT_EQ(describeFunction(rows(), "NOW"), "NOW()\nKnown to the incremental way only.\n");
+}
+
+TEST(FunctionListing, AnUnknownNameGivesNothingButAdvice) {
+  EXPECT_EQ(describeFunction(rows(), "LINE"), std::nullopt);
+  EXPECT_EQ(similarFunctions(rows(), "line"), "UPLINE, DOWNLINE");
+  EXPECT_EQ(similarFunctions(rows(), "XYZ"), "");
+}
+
+TEST(FunctionListing, EveryNameOfTheLanguageIsListedAndDescribed) {
+  const std::string list = listFunctions(functionTable());
+  std::size_t names = 0;
+  for (const FunctionRow& row : functionTable()) {
+    for (const FunctionName& name : row.names) {
+      ++names;
+      EXPECT_NE(list.find(name.name), std::string::npos) << name.name;
+      EXPECT_TRUE(describeFunction(functionTable(), name.name).has_value()) << name.name;
+    }
+  }
+  EXPECT_GT(names, 150u);
+}
+
+}  // namespace
+}  // namespace brindlewort::tool

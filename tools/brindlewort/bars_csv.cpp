@@ -1,0 +1,296 @@
+#include "bars_csv.hpp"
+
+#include <csv.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "bar_date.hpp"
+#include "series/text.hpp"
+
+namespace brindlewort::tool {
+namespace {
+
+enum class Role : std::uint8_t { kIgnored, kDate, kOpen, kHigh, kLow, kClose, kVolume };
+constexpr std::size_t kRoles = 7;
+
+struct ColumnWord {
+  std::string_view word;
+  Role role;
+};
+constexpr ColumnWord kColumnWords[] = {
+    {"DATE", Role::kDate},      {"DATETIME", Role::kDate}, {"TIME", Role::kDate},
+    {"TIMESTAMP", Role::kDate}, {"OPEN", Role::kOpen},     {"HIGH", Role::kHigh},
+    {"LOW", Role::kLow},        {"CLOSE", Role::kClose},   {"VOLUME", Role::kVolume},
+};
+
+struct RequiredColumn {
+  Role role;
+  std::string_view name;
+};
+constexpr RequiredColumn kRequiredColumns[] = {{Role::kDate, "Date"},
+                                               {Role::kOpen, "Open"},
+                                               {Role::kHigh, "High"},
+                                               {Role::kLow, "Low"},
+                                               {Role::kClose, "Close"}};
+
+constexpr std::string_view kHeaderExpected =
+    "a header line with Date, Open, High, Low, Close and optionally Volume, separated by commas";
+constexpr std::string_view kPriceExpected = "a number such as 101.25";
+constexpr std::string_view kVolumeExpected =
+    "a volume from -2147483648 to 2147483647 (scale the column down if it holds larger ones)";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::size_t kLongestQuote = 40;  // characters of the input shown in a message
+
+Role roleOf(std::string_view name) {
+  const std::string upper = upperCase(name);
+  for (const ColumnWord& entry : kColumnWords) {
+    if (entry.word == upper) return entry.role;
+  }
+  return Role::kIgnored;
+}
+
+/// A piece of the input for a message: quoted, shortened, control characters shown as '?'.
+std::string quoted(std::string_view text) {
+  if (text.empty()) return "nothing";
+  std::string shown(text.substr(0, kLongestQuote));
+  for (char& c : shown) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
+  }
+  return '"' + shown + (text.size() > kLongestQuote ? "...\"" : "\"");
+}
+
+std::string countOf(std::size_t count, std::string_view noun) {
+  return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+std::optional<double> parseNumber(std::string_view field) {
+  double number = 0.0;
+  const char* const last = field.data() + field.size();
+  const auto [end, error] = std::from_chars(field.data(), last, number);
+  if (error != std::errc() || end != last || !std::isfinite(number)) return std::nullopt;
+  return number;
+}
+
+std::optional<double> parseVolume(std::string_view field) {
+  if (field.empty()) return 0.0;
+  const std::optional<double> number = parseNumber(field);
+  if (!number || *number <= -2147483649.0 || *number >= 2147483648.0) return std::nullopt;
+  return std::trunc(*number);
+}
+
+}  // namespace
+
+std::string BarsCsvProblem::message(std::string_view source) const {
+  std::string text = std::string(source) + ':' + std::to_string(line) + ": ";
+  if (column != 0) {
+    text += "column " + std::to_string(column) + " (" + (columnName.empty() ? "no name" : columnName) + "): ";
+  }
+  return text + "expected " + expected + ", found " + found;
+}
+
+class BarsCsvReader::Impl {
+ public:
+  explicit Impl(std::function<void(const Bar&)> onBar) : onBar_(std::move(onBar)) {
+    if (csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI) != 0) throw std::bad_alloc();
+  }
+  ~Impl() { csv_free(&parser_); }
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  bool feed(std::string_view piece) {
+    skipByteOrderMark(piece);
+    while (!piece.empty() && !problem_) {
+      const std::size_t lineEnd = piece.find('\n');
+      const bool endsLine = lineEnd != std::string_view::npos;
+      const std::string_view part = piece.substr(0, endsLine ? lineEnd + 1 : piece.size());
+      piece.remove_prefix(part.size());
+      feedPartOfLine(part);
+      atLineStart_ = endsLine;
+      if (endsLine) ++line_;
+    }
+    return !problem_;
+  }
+
+  bool finish() {
+    if (problem_) return false;
+    if (csv_fini(&parser_, onField, onRow, this) != 0) {
+      line_ = lastRowLine_ + 1;
+      fail(0, "a closing quotation mark", "the end of the input");
+    } else if (!problem_ && !haveHeader_) {
+      fail(0, kHeaderExpected, "the end of the input");
+    }
+    return !problem_;
+  }
+
+  const std::optional<BarsCsvProblem>& problem() const { return problem_; }
+  std::size_t bars() const { return bars_; }
+
+ private:
+  void skipByteOrderMark(std::string_view& piece) {
+    while (byteOrderMark_ < kByteOrderMark.size() && !piece.empty()) {
+      if (piece.front() != kByteOrderMark[byteOrderMark_]) {
+        byteOrderMark_ = kByteOrderMark.size();
+        return;
+      }
+      piece.remove_prefix(1);
+      ++byteOrderMark_;
+    }
+  }
+
+  void feedPartOfLine(std::string_view part) {
+    if (atLineStart_) inComment_ = !haveHeader_ && part.front() == '#';
+    if (inComment_) return;
+    const std::size_t taken = csv_parse(&parser_, part.data(), part.size(), onField, onRow, this);
+    if (taken == part.size() || problem_) return;
+    if (csv_error(&parser_) != CSV_EPARSE) throw std::bad_alloc();
+    fail(0, "quotation marks only around a whole field",
+         quoted(trim(part.substr(0, part.find_first_of("\r\n")))));
+  }
+
+  static void onField(void* text, std::size_t size, void* self) {
+    static_cast<Impl*>(self)->field(trim({static_cast<const char*>(text), size}));
+  }
+  static void onRow(int /*terminator*/, void* self) { static_cast<Impl*>(self)->row(); }
+
+  void field(std::string_view text) {
+    if (problem_) return;
+    ++column_;
+    if (!haveHeader_) {
+      names_.emplace_back(text);
+    } else if (column_ <= roles_.size()) {
+      readField(roles_[column_ - 1], text);
+    } else if (!text.empty()) {
+      fail(0, countOf(roles_.size(), "column") + " as in the header", "more, beginning with " + quoted(text));
+    }
+  }
+
+  void row() {
+    if (problem_) return;
+    lastRowLine_ = line_;
+    if (!haveHeader_) {
+      readHeader();
+    } else if (column_ < neededColumns_) {
+      fail(0, countOf(roles_.size(), "column") + " as in the header", countOf(column_, "column"));
+    } else {
+      onBar_(bar_);
+      ++bars_;
+    }
+    column_ = 0;
+  }
+
+  void readHeader() {
+    std::array<std::size_t, kRoles> columnOf{};  // 0 while a role has none
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      const Role role = roleOf(names_[i]);
+      roles_.push_back(role);
+      if (role == Role::kIgnored) continue;
+      std::size_t& column = columnOf[static_cast<std::size_t>(role)];
+      if (column != 0) {
+        fail(i + 1, "a name that no column before it has",
+             (role == Role::kDate ? "a second date column beside column " : "the same as column ") +
+                 std::to_string(column) + "; rename or remove one of them");
+        return;
+      }
+      column = i + 1;
+    }
+    std::size_t& dateColumn = columnOf[static_cast<std::size_t>(Role::kDate)];
+    if (dateColumn == 0 && names_.front().empty()) {
+      roles_.front() = Role::kDate;
+      dateColumn = 1;
+    }
+    for (const RequiredColumn& required : kRequiredColumns) {
+      if (columnOf[static_cast<std::size_t>(required.role)] == 0) {
+        fail(0, kHeaderExpected, "no " + std::string(required.name) + " in " + quoted(headerText()));
+        return;
+      }
+    }
+    neededColumns_ = *std::max_element(columnOf.begin(), columnOf.end());
+    haveHeader_ = true;
+  }
+
+  std::string headerText() const {
+    std::string text;
+    for (const std::string& name : names_) {
+      if (&name != &names_.front()) text += ',';
+      text += name;
+    }
+    return text;
+  }
+
+  void readField(Role role, std::string_view text) {
+    switch (role) {
+      case Role::kIgnored:
+        return;
+      case Role::kDate:
+        return assign(bar_.JDate, parseBarDate(text), kBarDateExpected, text);
+      case Role::kOpen:
+        return assign(bar_.OpenPrice, parseNumber(text), kPriceExpected, text);
+      case Role::kHigh:
+        return assign(bar_.HighPrice, parseNumber(text), kPriceExpected, text);
+      case Role::kLow:
+        return assign(bar_.LowPrice, parseNumber(text), kPriceExpected, text);
+      case Role::kClose:
+        return assign(bar_.ClosePrice, parseNumber(text), kPriceExpected, text);
+      case Role::kVolume:
+        return assign(bar_.Volume, parseVolume(text), kVolumeExpected, text);
+    }
+  }
+
+  void assign(double& target, std::optional<double> value, std::string_view expected, std::string_view text) {
+    if (value) {
+      target = *value;
+    } else {
+      fail(column_, expected, quoted(text));
+    }
+  }
+
+  void fail(std::size_t column, std::string_view expected, std::string found) {
+    problem_ = BarsCsvProblem{line_, column, column == 0 ? std::string() : names_[column - 1],
+                              std::string(expected), std::move(found)};
+  }
+
+  std::function<void(const Bar&)> onBar_;
+  csv_parser parser_{};
+  std::optional<BarsCsvProblem> problem_;
+
+  std::size_t byteOrderMark_ = 0;  // bytes of it seen at the very start
+  std::size_t line_ = 1;
+  std::size_t lastRowLine_ = 0;
+  bool atLineStart_ = true;
+  bool inComment_ = false;
+
+  bool haveHeader_ = false;
+  std::vector<std::string> names_;
+  std::vector<Role> roles_;
+  std::size_t neededColumns_ = 0;
+
+  std::size_t column_ = 0;  // of the field at hand, from 1
+  Bar bar_;                 // the row at hand
+  std::size_t bars_ = 0;
+};
+
+BarsCsvReader::BarsCsvReader(std::function<void(const Bar&)> onBar)
+    : impl_(std::make_unique<Impl>(std::move(onBar))) {}
+BarsCsvReader::~BarsCsvReader() = default;
+
+bool BarsCsvReader::feed(std::string_view piece) {
+  return impl_->feed(piece);
+}
+bool BarsCsvReader::finish() {
+  return impl_->finish();
+}
+const std::optional<BarsCsvProblem>& BarsCsvReader::problem() const {
+  return impl_->problem();
+}
+std::size_t BarsCsvReader::bars() const {
+  return impl_->bars();
+}
+
+}  // namespace brindlewort::tool

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "console.hpp"
+#include "series/bar.hpp"
+
+namespace CLI {
+class App;
+}
+
+namespace brindlewort::tool {
+
+/// The bars of a command: the path of a CSV file, or "-" for standard input.
+class BarsInput {
+ public:
+  void addTo(CLI::App& command);
+
+  bool fromStandardInput() const { return path_ == "-"; }
+  /// Opens the file, so that a wrong path is told before anything else is waited for.
+  void open();
+  /// Reads the whole file; each bar goes to `onBar`. Throws a ToolError that tells the line at fault.
+  void read(const std::function<void(const Bar&)>& onBar, ProgressLine& progress);
+
+ private:
+  std::string path_;
+  InputFile file_;
+};
+
+/// The script of a command: an argument, a file, or standard input.
+class ScriptInput {
+ public:
+  void addTo(CLI::App& command);
+
+  /// The script with the line breaks that the engine knows. Reads standard input when neither argument nor
+  /// file is given, unless that is where the bars come from.
+  std::string read(const BarsInput& bars) const;
+
+ private:
+  std::vector<std::string> texts_;
+  std::string file_;
+};
+
+/// The text with every line end (LF, CR LF or CR) as CR LF, the line break of the script language.
+std::string withScriptLineBreaks(std::string_view text);
+
+}  // namespace brindlewort::tool
