@@ -48,21 +48,27 @@ double livingPrimeValue(double x) {
 
 /// The primes about the values met so far. A scan that finds nothing leaves the prime found before it.
 struct PrimesAbout {
-  double lower = 0.0;
-  double upper = 0.0;
+  std::int64_t lower = 0;
+  std::int64_t upper = 0;
 
   static bool findsLower(double v) { return hasPrimes(v) && std::trunc(v) >= 1.0; }
   static bool findsUpper(double v) { return hasPrimes(v) && std::trunc(v) >= 0.0; }
 
-  void findLower(double v) { lower = static_cast<double>(primeAtOrBelow(static_cast<std::int64_t>(v))); }
-  void findUpper(double v) { upper = static_cast<double>(primeAtOrAbove(static_cast<std::int64_t>(v))); }
+  /// v - prime. A prime from 2^53 on may be no double; the value below it is whole then.
+  static double distance(double v, std::int64_t prime) {
+    if (prime < static_cast<std::int64_t>(kPrimeLimit)) return v - static_cast<double>(prime);
+    return static_cast<double>(static_cast<std::int64_t>(v) - prime);
+  }
+
+  void findLower(double v) { lower = primeAtOrBelow(static_cast<std::int64_t>(v)); }
+  void findUpper(double v) { upper = primeAtOrAbove(static_cast<std::int64_t>(v)); }
 
   /// The oscillator of a value that has primes. On a tie the lower prime counts.
   double oscillator(double v) {
     if (findsLower(v)) findLower(v);
     if (findsUpper(v)) findUpper(v);
-    const double a = v - upper;
-    const double b = v - lower;
+    const double a = distance(v, upper);
+    const double b = distance(v, lower);
     return std::fabs(b) > std::fabs(a) ? a : b;
   }
 };

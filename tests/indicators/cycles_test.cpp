@@ -164,6 +164,13 @@ TEST(PrimeNumberOscillator, ResumedCallFindsTheEarlierPrimesAgain) {
   EXPECT_TRUE(sameRows(Rows{1, -49, -59, -69}, runStreamed(prices, livingPrimes(), false).rows));
 }
 
+TEST(PrimeNumberOscillator, APrimeThatIsNoDoubleIsSubtractedAsAnInteger) {
+  // The primes about 2^53 are 9007199254740881 and 9007199254740997; the upper one is odd above 2^53.
+  EXPECT_EQ(batchPrimes({0, 9007199254740991.0})[1], -6.0);
+  EXPECT_EQ(batchPrimes({0, 9007199254740990.0})[1], -7.0);
+  EXPECT_EQ(runLiving({9007199254740991.0}, livingPrimes()).rows[0], -6.0);
+}
+
 TEST(PrimeNumberOscillator, ValuesFromTwoToTheFiftyThirdOnStayNull) {
   const double limit = 9007199254740992.0;
   // 94906266 squared is past the limit; -94906265 squared is not.
