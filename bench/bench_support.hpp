@@ -2,15 +2,17 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "indicators/frame.hpp"
 #include "series/field.hpp"
 
 /// What the benchmarks share: made-up bars, and the naming by which `./run bench` pairs rows. A benchmark of our code
-/// is named "<what>/engine" (or "<what>/resumed" for one more bar), the hand-written loop beside it
-/// "<what>/plain"; both take the row count as their argument.
+/// is named "<what>/engine", the hand-written loop beside it "<what>/plain"; the resumable form is "<what>/first" for its
+/// first call and "<what>/resumed" for one more bar. All take the row count as their argument.
 namespace brindlewort::bench {
 
 inline constexpr int kFew = 250, kSome = 10'000, kMany = 1'000'000;
@@ -97,7 +99,8 @@ void batchRow(const char* name, Run run) {
   })->Arg(kSome)->Arg(kMany);
 }
 
-/// One more bar for a resumable operation: everything but the last row has been computed.
+/// A resumable operation under "<what>/resumed": one more bar, everything but the last row having been computed. And
+/// under "<what>/first": the first call over all rows, with the making of its work series.
 template <class Run>
 void resumedRow(const char* name, Run run) {
   benchmark::RegisterBenchmark(name, [run](benchmark::State& state) {
@@ -110,6 +113,19 @@ void resumedRow(const char* name, Run run) {
       run(store, b.sources(), Target{out, &slot});
       benchmark::DoNotOptimize(out.data());
       benchmark::ClobberMemory();
+    }
+  })->Arg(kSome)->Arg(kMany);
+
+  std::string first(name);
+  first = first.substr(0, first.rfind('/')) + "/first";
+  benchmark::RegisterBenchmark(first.c_str(), [run](benchmark::State& state) {
+    const Bars& b = bars(state.range(0));
+    for (auto _ : state) {
+      Store store(b.close.size());
+      std::vector<double> out(b.close.size(), NULL_VALUE);
+      std::int32_t slot = -1;
+      run(store, b.sources(), Target{out, &slot});
+      benchmark::DoNotOptimize(out.data());
     }
   })->Arg(kSome)->Arg(kMany);
 }

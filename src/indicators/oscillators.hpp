@@ -10,7 +10,8 @@ namespace brindlewort {
 namespace CFeedkit {
 /// The share of the rises in all moves, smoothed Wilder's way, from 0 to 100.
 /// formula: gain = (gain[-1] * (p - 1) + rise) / p; loss alike of the falls; RSI = 100 - 100 / (1 + gain
-///   / loss). A loss of 0 counts as the gain, so rises alone read 50; no gain reads 0.
+///   / loss). A loss of 0 counts as the gain, so rises alone read 50, and no gain
+///   reads 0.
 /// batch: the averages start at row p + 1 as the mean moves of rows 2 to p + 1; first row p + 2.
 /// resumable: the averages start at row lead + p as the mean moves of the p rows up to it, and that row
 ///   is written (0 when nothing fell); recomputes the last row.

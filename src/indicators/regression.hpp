@@ -9,8 +9,8 @@ enum class RegressionLine { kSlope, kIntercept, kForecast, kRSquared };
 
 namespace CFeedkit {
 /// Straight line through the last p rows by least squares, the oldest row at x = 1 and the newest at x = p;
-/// one of its slope, its intercept, its value at x = p and its coefficient of determination. False when the
-/// period is out of range: there is no such series.
+/// one of its slope, its intercept, its value at x = p and its coefficient of determination. There is no such
+/// series, and the result is false, when the period is out of range.
 /// formula: a = Sxy - Sx * Sy / p, b = Sxx - Sx * Sx / p, c = Syy - Sy * Sy / p; slope = a / b;
 ///   forecast = p * slope + intercept; rsquared = a * a / (b * c), 0 where b * c is 0. With p = 1 the slope
 ///   is not a number.
@@ -21,7 +21,7 @@ namespace CFeedkit {
 bool LinearRegression(View in, Count p, RegressionLine line, Out out);
 
 /// Value of the regression line at the newest row of each window.
-/// formula: p * slope + intercept of LinearRegression.
+/// formula: p * slope + intercept, of the linear regression over p
 /// batch: 1 <= p <= n; rows from p.
 /// resumable: 1 <= p <= n; rows from lead + p - 1; the window is summed afresh at the first row of a call.
 void TIMESERIESFORECAST(View in, Count p, Out out);

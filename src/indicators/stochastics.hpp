@@ -37,7 +37,7 @@ void SMIK(const Prices& prices, Count kPeriods, Count kSmooth, Count kDouble, Co
 
 /// %D of the stochastic momentum index: a moving average of its %K.
 /// formula: MA(K, dPeriods) with K as of SMIK; nothing for dPeriods of 1
-/// batch: averages with dMaType.
+/// batch: averages with dMaType; that average's own first row over K.
 /// resumable: averages with maType; dPeriods - 1 rows after the first of K; recomputes the last row.
 void SMID(const Prices& prices, Count kPeriods, Count kSmooth, Count kDouble, Count dPeriods, Count maType,
           Count dMaType, Out out);

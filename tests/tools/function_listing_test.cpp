@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,20 +44,56 @@ TEST(FunctionListing, ListsALineForEachOutputWithItsSpellings) {
             "UPLINE(factor, levels)  also UL\n"
             "DOWNLINE(factor, levels)\n"
             "NOW()\n"
-            "WHEN(...)\n");
+            "WHEN()\n");
+}
+
+/// What describeFunction() says before the legend at its end.
+std::string described(std::string_view name) {
+  const std::string text = describeFunction(rows(), name).value_or("nothing");
+  return text.substr(0, text.find("\nin: the source"));
 }
 
 TEST(FunctionListing, DescribesTheArgumentsOfAFunction) {
-  EXPECT_EQ(describeFunction(rows(), "meanof"),
-            "MN(source, periods)\n"
-            "Also written MEANOF.\n"
-            "  source: series; CLOSE when left out\n"
-            "  periods: whole number, 2 to the number of bars\n");
-  EXPECT_EQ(describeFunction(rows(), "DOWNLINE"),
+  EXPECT_EQ(described("meanof"),
+            "MN(source, periods)  also MEANOF\n"
+            "\n"
+            "Arguments\n"
+            "  source   series or number; CLOSE when left out\n"
+            "  periods  whole number, 2 to the number of bars\n");
+  EXPECT_EQ(described("DOWNLINE"),
+            "UPLINE(factor, levels)  also UL\n"
             "DOWNLINE(factor, levels)\n"
-            "  factor: number, between 0 and 1\n"
-            "  levels: number, cut to a whole one, at least 1; 3 when left out\n");
-  EXPECT_EQ(describeFunction(rows(), "NOW"), "NOW()\nKnown to the incremental way only.\n");
+            "\n"
+            "Arguments\n"
+            "  factor  number, between 0 and 1\n"
+            "  levels  number, cut to a whole one, at least 1; 3 when left out\n");
+  EXPECT_EQ(described("NOW"), "NOW()\nKnown to the incremental way only.\n");
+}
+
+TEST(FunctionListing, DescribesWhatAFunctionComputes) {
+  const std::optional<std::string> text = describeFunction(functionTable(), "rangeupcount");
+  ASSERT_TRUE(text.has_value());
+  EXPECT_EQ(*text,
+            "RUPCOUNT(source, periods)  also RANGEUPCOUNT\n"
+            "\n"
+            "Arguments\n"
+            "  source   series or number; CLOSE when left out\n"
+            "  periods  whole number, 1 to the number of bars\n"
+            "\n"
+            "How many of the last p steps of a series rise.\n"
+            "\n"
+            "Formula\n"
+            "  number of rows j from i - p + 1 to i with in[j] > in[j - 1]\n"
+            "\n"
+            "Whole history\n"
+            "  1 <= p < n; steps from row 1; rows from p.\n"
+            "\n"
+            "Incremental\n"
+            "  1 <= p <= n; steps from lead + 1; rows from lead + p.\n"
+            "\n"
+            "in: the source; p: the periods; n: the number of bars; nz(x): x, or 0 where it is null;\n"
+            "lead: how many null rows stand at the head of the source; in[-1]: the row before. Rows count "
+            "from 0.\n");
 }
 
 TEST(FunctionListing, AnUnknownNameGivesNothingButAdvice) {

@@ -12,9 +12,8 @@ struct Tag {
   std::string_view word;
   std::string Contract::*text;
 };
-constexpr std::array<Tag, 3> kTags = {{{"formula:", &Contract::formula},
-                                       {"batch:", &Contract::batch},
-                                       {"resumable:", &Contract::resumable}}};
+constexpr std::array<Tag, 3> kTags = {
+    {{"formula:", &Contract::formula}, {"batch:", &Contract::batch}, {"resumable:", &Contract::resumable}}};
 
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t\r");

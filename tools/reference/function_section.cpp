@@ -13,14 +13,18 @@ constexpr std::string_view kWholeHistoryLabel = "Whole history";
 constexpr std::string_view kIncrementalLabel = "Incremental";
 constexpr std::size_t kWidth = 100;
 
-/// Operations that the incremental way replaces by another one.
-struct Replacement {
+/// Rows that are described under another name than their operation's, on one way or on both: `function` is
+/// the row's first name.
+struct OtherNotes {
+  std::string_view function;
+  Path path;
   std::string_view operation;
-  std::string_view incremental;
 };
-constexpr Replacement kReplacements[] = {{"PointFigureSmooth", "PointFigure"}};
+constexpr OtherNotes kOtherNotes[] = {{"MROUND", Path::kBoth, "RoundToMultiple"},
+                                      {"PFX", Path::kIncremental, "PointFigure"}};
 
-// ---- Arguments ------------------------------------------------------------------------------------------------
+// ---- Arguments
+// ------------------------------------------------------------------------------------------------
 
 std::string numberText(double number) {
   if (number == kBars) return "the number of bars";
@@ -31,14 +35,21 @@ std::string numberText(double number) {
 
 std::string_view kindText(SlotKind kind) {
   switch (kind) {
-    case SlotKind::kSeries: return "series or number";
-    case SlotKind::kWhole: return "whole number";
-    case SlotKind::kInteger: return "number, cut to a whole one";
+    case SlotKind::kSeries:
+      return "series or number";
+    case SlotKind::kWhole:
+      return "whole number";
+    case SlotKind::kInteger:
+      return "number, cut to a whole one";
     case SlotKind::kNumber:
-    case SlotKind::kLiteral: return "number";
-    case SlotKind::kBarsNumber: return "number, not above the number of bars";
-    case SlotKind::kMaType: return "moving average type";
-    case SlotKind::kIgnored: break;
+    case SlotKind::kLiteral:
+      return "number";
+    case SlotKind::kBarsNumber:
+      return "number, not above the number of bars";
+    case SlotKind::kMaType:
+      return "one of the moving average types, such as SIMPLE";
+    case SlotKind::kIgnored:
+      break;
   }
   return "not looked at, and may be left out";
 }
@@ -81,22 +92,32 @@ std::vector<LabelledText> argumentsOf(const FunctionRow& row) {
   const ArgumentNotes* const notes = findByFunction(argumentNotes(), row);
   for (std::size_t i = 0; i < row.slots.size(); ++i) {
     const bool noted = notes != nullptr && i < notes->arguments.size();
-    arguments.push_back({std::string(row.slots[i].name),
-                         noted ? std::string(notes->arguments[i]) : argumentText(row, i)});
+    arguments.push_back(
+        {std::string(row.slots[i].name), noted ? std::string(notes->arguments[i]) : argumentText(row, i)});
   }
   return arguments;
 }
 
-// ---- What is computed -----------------------------------------------------------------------------------------
+// ---- What is computed
+// -----------------------------------------------------------------------------------------
 
-/// The clauses of a formula, which semicolons separate.
+/// True for the sign behind a clause of a formula: a semicolon, or the full stop of a sentence, which the
+/// last point of "..." is not.
+bool endsClause(std::string_view formula, std::size_t i) {
+  if (formula[i] != '.') return formula[i] == ';';
+  return (i + 1 == formula.size() || formula[i + 1] == ' ') && (i == 0 || formula[i - 1] != '.');
+}
+
+/// The clauses of a formula.
 std::vector<std::string> clausesOf(std::string_view formula) {
-  constexpr std::string_view kSeparator = "; ";
-  std::vector<std::string> clauses;
-  for (std::size_t end = 0; end != std::string_view::npos;) {
-    end = formula.find(kSeparator);
-    clauses.emplace_back(formula.substr(0, end));
-    if (end != std::string_view::npos) formula.remove_prefix(end + kSeparator.size());
+  std::vector<std::string> clauses(1);
+  for (std::size_t i = 0; i < formula.size(); ++i) {
+    std::string& clause = clauses.back();
+    if (endsClause(formula, i)) {
+      if (i + 1 < formula.size()) clauses.emplace_back();
+    } else if (!(clause.empty() && formula[i] == ' ')) {
+      clause += formula[i];
+    }
   }
   return clauses;
 }
@@ -130,9 +151,12 @@ std::vector<Account> accountsOf(const FunctionRow& row) {
 
 std::string_view onlyWayOf(Path path) {
   switch (path) {
-    case Path::kWholeHistory: return "Known to the whole-history way only.";
-    case Path::kIncremental: return "Known to the incremental way only.";
-    case Path::kBoth: break;
+    case Path::kWholeHistory:
+      return "Known to the whole-history way only.";
+    case Path::kIncremental:
+      return "Known to the incremental way only.";
+    case Path::kBoth:
+      break;
   }
   return {};
 }
@@ -151,7 +175,8 @@ const OperationNotes* findOperation(std::span<const OperationNotes> notes, std::
   return at == notes.end() ? nullptr : &*at;
 }
 
-// ---- The form of a text ---------------------------------------------------------------------------------------
+// ---- The form of a text
+// ---------------------------------------------------------------------------------------
 
 std::string withoutTicks(std::string_view text) {
   std::string bare(text);
@@ -219,11 +244,11 @@ const OperationNotes* notesOf(std::string_view operation) {
 
 const OperationNotes* notesOf(const FunctionRow& row, Path path) {
   if (!hasPath(row, path)) return nullptr;
-  std::string_view operation = row.operation;
-  for (const Replacement& replacement : kReplacements) {
-    if (path == Path::kIncremental && operation == replacement.operation) operation = replacement.incremental;
+  for (const OtherNotes& other : kOtherNotes) {
+    const bool onThisWay = other.path == Path::kBoth || other.path == path;
+    if (onThisWay && row.names.front().name == other.function) return notesOf(other.operation);
   }
-  return notesOf(operation);
+  return notesOf(row.operation);
 }
 
 std::vector<Spelling> spellingsOf(const FunctionRow& row) {
@@ -272,7 +297,8 @@ std::string plainText(const FunctionSection& section) {
 
 std::string_view plainLegend() {
   return "in: the source; p: the periods; n: the number of bars; nz(x): x, or 0 where it is null;\n"
-         "lead: how many null rows stand at the head of the source; in[-1]: the row before. Rows count from 0.\n";
+         "lead: how many null rows stand at the head of the source; in[-1]: the row before. Rows count from "
+         "0.\n";
 }
 
 }  // namespace brindlewort::reference

@@ -46,7 +46,9 @@ const OperationNotes* notesOf(std::string_view operation);
 const OperationNotes* notesOf(const FunctionRow& row, Path path);
 
 /// True when the row's functions exist on `path`, kWholeHistory or kIncremental.
-inline bool hasPath(const FunctionRow& row, Path path) { return row.path == Path::kBoth || row.path == path; }
+inline bool hasPath(const FunctionRow& row, Path path) {
+  return row.path == Path::kBoth || row.path == path;
+}
 
 /// `texts` with ", " between them.
 std::string joined(const std::vector<std::string_view>& texts);

@@ -21,25 +21,38 @@ constexpr std::string_view kTop =
 constexpr std::string_view kWords =
     "## How to read the sections\n"
     "\n"
-    "A script is computed in one of two ways, and most functions exist in both. The **whole-history** way (the\n"
-    "batch form) computes a series over all bars at once. The **incremental** way (the resumable form) keeps what it\n"
-    "has computed and adds the new bars' rows. They are two computations of one idea: first rows, seeds and some\n"
+    "A script is computed in one of two ways, and most functions exist in both. The **whole-history** way "
+    "(the\n"
+    "batch form) computes a series over all bars at once. The **incremental** way (the resumable form) keeps "
+    "what it\n"
+    "has computed and adds the new bars' rows. They are two computations of one idea: first rows, seeds and "
+    "some\n"
     "formulas differ, and each section tells both.\n"
     "\n"
-    "- Rows count from 0, the oldest bar. Row 0 is the filler bar that a run puts in front of the bars it is given, so\n"
+    "- Rows count from 0, the oldest bar. Row 0 is the filler bar that a run puts in front of the bars it is "
+    "given, so\n"
     "  windows of the whole-history way begin at row 1 or 2.\n"
-    "- A *null* is a row without a value: the rows before the first one told here, and what could not be computed.\n"
+    "- A *null* is a row without a value: the rows before the first one told here, and what could not be "
+    "computed.\n"
     "  It stands in the series as the number -987654321. `nz(x)` is x, or 0 where x is null.\n"
-    "- `n` is the number of bars, `p` the periods, `in` the source, `i` the present row, `out` the result. `in[-1]` is\n"
-    "  the row before the present one. `MA` is the moving average of the type given, `SMA`, `EMA` and `WMA` those of\n"
-    "  these types. Other names are those of the arguments, written as one word; `maType` is the moving average type.\n"
+    "- `n` is the number of bars, `p` the periods, `in` the source, `i` the present row, `out` the result. "
+    "`in[-1]` is\n"
+    "  the row before the present one. `MA` is the moving average of the type given, `SMA`, `EMA` and `WMA` "
+    "those of\n"
+    "  these types. Other names are those of the arguments, written as one word; `maType` is the moving "
+    "average type.\n"
     "- The *lead* of a series is how many null rows stand at its head. Incremental series start behind it.\n"
-    "- A range such as `1 <= p < n` is a condition: outside of it all rows are null, or, in the incremental way,\n"
-    "  nothing is written. What a script may pass at all stands under the arguments, and is reported otherwise.\n"
-    "- *Recomputes the last row*: when a bar is added or the newest one changes, the incremental way computes the last\n"
+    "- A range such as `1 <= p < n` is a condition: outside of it all rows are null, or, in the incremental "
+    "way,\n"
+    "  nothing is written. What a script may pass at all stands under the arguments, and is reported "
+    "otherwise.\n"
+    "- *Recomputes the last row*: when a bar is added or the newest one changes, the incremental way "
+    "computes the last\n"
     "  row that it had again, and the rows behind it.\n"
-    "- `trunc` cuts the fraction. Comparing at four decimals takes values as equal that differ further behind.\n"
-    "- A number below 0 is refused as an argument everywhere but in PSAR. The other names of a function mean the same\n"
+    "- `trunc` cuts the fraction. Comparing at four decimals takes values as equal that differ further "
+    "behind.\n"
+    "- A number below 0 is refused as an argument everywhere but in PSAR. The other names of a function mean "
+    "the same\n"
     "  as the first. LAST is CLOSE.\n";
 
 std::string blockOf(const std::vector<std::string>& clauses) {
@@ -57,9 +70,18 @@ std::string codeList(const std::vector<std::string_view>& names) {
   return list;
 }
 
+std::string cellOf(std::string_view text) {
+  std::string cell;
+  for (const char c : text) {
+    if (c == '|') cell += '\\';
+    cell += c;
+  }
+  return cell;
+}
+
 std::string tableRow(const std::vector<std::string>& cells) {
   std::string row = "|";
-  for (const std::string& cell : cells) row += ' ' + cell + (cell.empty() ? "|" : " |");
+  for (const std::string& cell : cells) row += ' ' + cellOf(cell) + (cell.empty() ? "|" : " |");
   return row + '\n';
 }
 
@@ -80,9 +102,12 @@ std::string firstSentence(std::string_view text) {
 
 std::string_view wayOf(Path path) {
   switch (path) {
-    case Path::kWholeHistory: return "whole history only";
-    case Path::kIncremental: return "incremental only";
-    case Path::kBoth: break;
+    case Path::kWholeHistory:
+      return "whole history only";
+    case Path::kIncremental:
+      return "incremental only";
+    case Path::kBoth:
+      break;
   }
   return "both";
 }
@@ -145,24 +170,30 @@ std::string constants() {
     if (!group.text.empty()) text += wrapped(escaped(group.text), kWidth) + "\n\n";
     text += tableHead({"Word", "Number", "Meaning"});
     for (const ConstantNotes& constant : group.constants) {
-      text += tableRow({'`' + std::string(constant.word) + '`', numberText(constant.number), escaped(constant.text)});
+      text += tableRow(
+          {'`' + std::string(constant.word) + '`', numberText(constant.number), escaped(constant.text)});
     }
   }
   return text;
 }
 
-bool isLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
+bool isLetter(char c) {
+  return std::isalpha(static_cast<unsigned char>(c)) != 0;
+}
 
 /// True where a character in the middle of a text would be read as a mark of Markdown.
 bool isMark(std::string_view text, std::size_t i) {
   const char before = i == 0 ? ' ' : text[i - 1];
   const char after = i + 1 == text.size() ? ' ' : text[i + 1];
   switch (text[i]) {
-    case '*': return before != ' ' || after != ' ';
-    case '<': return isLetter(after) || after == '/' || after == '!' || after == '?';
-    case '|':
-    case '\\': return true;
-    default: return false;
+    case '*':
+      return before != ' ' || after != ' ';
+    case '<':
+      return isLetter(after) || after == '/' || after == '!' || after == '?';
+    case '\\':
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -210,7 +241,8 @@ std::string markdown(const FunctionSection& section) {
   for (const Account& account : section.accounts) {
     const std::string title = account.title.empty() ? "" : "**" + account.title + ".** ";
     text += '\n' + title + escaped(account.description) + "\n\n" + blockOf(account.formula) + '\n';
-    for (const LabelledText& way : account.ways) text += "- **" + way.label + ":** " + escaped(way.text) + '\n';
+    for (const LabelledText& way : account.ways)
+      text += "- **" + way.label + ":** " + escaped(way.text) + '\n';
   }
   if (!section.remark.empty()) text += '\n' + escaped(section.remark) + '\n';
   return text;

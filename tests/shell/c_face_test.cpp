@@ -1,0 +1,204 @@
+// The C face as a host in any language sees it: statuses, texts, null pointers.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "brindlewort/brindlewort.h"
+
+namespace {
+
+struct Destroy {
+  void operator()(bw_script_output* h) const { bw_script_output_destroy(h); }
+};
+using Handle = std::unique_ptr<bw_script_output, Destroy>;
+
+/// Bars that close at 1, 2, 3 and so on.
+Handle rampOf(int bars) {
+  Handle h(bw_script_output_create());
+  for (int i = 1; i <= bars; ++i) {
+    EXPECT_EQ(bw_script_output_append_record(h.get(), 2444299.5 + i, i, i + 1, i - 1, i, 100), 0);
+  }
+  return h;
+}
+
+std::string taken(char* text) {
+  const std::string copy = text ? text : "(null)";
+  bw_free(text);
+  return copy;
+}
+
+TEST(CFace, ANullHandleIsMinusOneEverywhere) {
+  double number = 0;
+  int32_t integer = 7;
+  char* text = nullptr;
+  const double* values = nullptr;
+  size_t count = 0;
+  EXPECT_EQ(bw_script_output_on_script_error(nullptr, nullptr, nullptr), -1);
+  EXPECT_EQ(bw_script_output_append_record(nullptr, 1, 1, 1, 1, 1, 1), -1);
+  EXPECT_EQ(bw_script_output_append_records(nullptr, nullptr, 0), -1);
+  EXPECT_EQ(bw_script_output_edit_record(nullptr, 1, 1, 1, 1, 1, 1, &integer), -1);
+  EXPECT_EQ(bw_script_output_clear_records(nullptr), -1);
+  EXPECT_EQ(bw_script_output_get_record_count(nullptr, &integer), -1);
+  EXPECT_EQ(bw_script_output_get_jdate(nullptr, 1, &number), -1);
+  EXPECT_EQ(bw_script_output_edit_jdate(nullptr, 1, 2, &integer), -1);
+  EXPECT_EQ(bw_script_output_get_script_output(nullptr, "1", 0, "", &text), -1);
+  EXPECT_EQ(bw_script_output_get_custom_ind_from_condition(nullptr, "1", &text), -1);
+  EXPECT_EQ(bw_script_output_get_series(nullptr, "A", &values, &count), -1);
+  EXPECT_EQ(integer, 7);
+  bw_script_output_destroy(nullptr);
+  bw_free(nullptr);
+}
+
+TEST(CFace, ANullResultPointerIsMinusOne) {
+  const Handle h = rampOf(10);
+  EXPECT_EQ(bw_script_output_edit_record(h.get(), 1, 1, 1, 1, 1, 1, nullptr), -1);
+  EXPECT_EQ(bw_script_output_get_script_output(h.get(), "1", 0, "", nullptr), -1);
+  EXPECT_EQ(bw_script_output_get_record_count(h.get(), nullptr), -1);
+  EXPECT_EQ(bw_script_output_from_julian_date(h.get(), 2444239.5, nullptr), -1);
+  EXPECT_EQ(bw_script_output_get_series(h.get(), "A", nullptr, nullptr), -1);
+  double o, hi, lo, c;
+  int32_t volume;
+  EXPECT_EQ(bw_script_output_get_record_by_jdate(h.get(), 1, &o, &hi, &lo, &c, &volume, nullptr), -1);
+}
+
+TEST(CFace, ANullScriptReadsAsEmpty) {
+  const Handle h = rampOf(10);
+  char* text = nullptr;
+  EXPECT_EQ(bw_script_output_get_script_output(h.get(), nullptr, 0, nullptr, &text), 0);
+  EXPECT_EQ(taken(text), "");
+}
+
+TEST(CFace, TooFewBarsGiveNeitherTextNorEvent) {
+  const Handle h = rampOf(3);
+  int events = 0;
+  bw_script_output_on_script_error(h.get(), [](void* user, const char*) { ++*static_cast<int*>(user); }, &events);
+  char* text = reinterpret_cast<char*>(&events);
+  EXPECT_EQ(bw_script_output_get_script_output(h.get(), "CLOSE", 0, "", &text), 0);
+  EXPECT_EQ(text, nullptr);
+  EXPECT_EQ(events, 0);
+}
+
+TEST(CFace, AnErrorIsToldByTheEventUntilItIsRemoved) {
+  const Handle h = rampOf(10);
+  std::string told;
+  bw_script_output_on_script_error(
+      h.get(), [](void* user, const char* text) { *static_cast<std::string*>(user) = text; }, &told);
+  char* text = nullptr;
+  EXPECT_EQ(bw_script_output_get_script_output(h.get(), "FOO", 0, "", &text), 0);
+  EXPECT_EQ(text, nullptr);
+  EXPECT_EQ(told, "Error: Undefined variable 'FOO'");
+  told.clear();
+  bw_script_output_on_script_error(h.get(), nullptr, nullptr);
+  EXPECT_EQ(bw_script_output_get_script_output(h.get(), "FOO", 0, "", &text), 0);
+  EXPECT_EQ(told, "");
+}
+
+TEST(CFace, EditRecordReplacesTheFirstBarOfADate) {
+  Handle h(bw_script_output_create());
+  for (int i = 0; i < 10; ++i) bw_script_output_append_record(h.get(), 2444300.5, 1, 1, 1, 1, 1);
+  int32_t found = 0;
+  EXPECT_EQ(bw_script_output_edit_record(h.get(), 2444300.5, 5, 6, 4, 5, 2, &found), 0);
+  EXPECT_EQ(found, -1);
+  EXPECT_EQ(bw_script_output_edit_record(h.get(), 2444301.5, 5, 6, 4, 5, 2, &found), 0);
+  EXPECT_EQ(found, 0);
+  char* text = nullptr;
+  bw_script_output_get_script_output(h.get(), "SET A = CLOSE", 0, "", &text);
+  bw_free(text);
+  const double* values = nullptr;
+  size_t count = 0;
+  ASSERT_EQ(bw_script_output_get_series(h.get(), "a", &values, &count), 0);
+  // Row 0 is the filler.
+  ASSERT_EQ(count, 11u);
+  EXPECT_EQ(values[1], 5.0);
+  EXPECT_EQ(values[2], 1.0);
+}
+
+TEST(CFace, EditJDateChangesTheDateAlone) {
+  const Handle h = rampOf(7);
+  int32_t found = 0;
+  EXPECT_EQ(bw_script_output_edit_jdate(h.get(), 2444300.5, 2444239.5, &found), 0);
+  EXPECT_EQ(found, -1);
+  EXPECT_EQ(bw_script_output_edit_jdate(h.get(), 1.5, 2.5, &found), 0);
+  EXPECT_EQ(found, 0);
+  char* text = nullptr;
+  bw_script_output_get_script_output(h.get(), "CLOSE", 0, "", &text);
+  EXPECT_EQ(taken(text).substr(0, 27), "Date\r\n1980-01-01 00:00:00\r\n");
+}
+
+TEST(CFace, RecordQueriesDoNotSeeTheBarsOfAppendRecord) {
+  const Handle h = rampOf(7);
+  int32_t count = -5, found = -5, number = -5;
+  EXPECT_EQ(bw_script_output_get_record_count(h.get(), &count), 0);
+  EXPECT_EQ(count, 0);
+  double jdate = 9, o = 9, hi = 9, lo = 9, c = 9;
+  int32_t volume = 9;
+  EXPECT_EQ(bw_script_output_get_record_by_index(h.get(), 1, &jdate, &o, &hi, &lo, &c, &volume, &found), 0);
+  EXPECT_EQ(found, 0);
+  EXPECT_EQ(jdate, 9);
+  EXPECT_EQ(bw_script_output_get_jdate(h.get(), 1, &jdate), 0);
+  EXPECT_EQ(jdate, 0.0);
+  EXPECT_EQ(bw_script_output_get_record_number_by_jdate(h.get(), 2444305.5, &number), 0);
+  EXPECT_EQ(number, -5) << "nothing is written when the first bar is not earlier";
+}
+
+TEST(CFace, BulkRowsAreTheSingleCallsInTurn) {
+  const Handle one = rampOf(9);
+  std::vector<double> rows;
+  for (int i = 1; i <= 9; ++i) rows.insert(rows.end(), {2444299.5 + i, 1.0 * i, i + 1.0, i - 1.0, 1.0 * i, 100.9});
+  Handle bulk(bw_script_output_create());
+  EXPECT_EQ(bw_script_output_append_records(bulk.get(), rows.data(), 9), 0);
+  EXPECT_EQ(bw_script_output_append_records(bulk.get(), nullptr, 0), 0);
+  EXPECT_EQ(bw_script_output_append_records(bulk.get(), nullptr, 1), -1);
+  const char* script = "SET A = CLOSE + VOLUME";
+  char *left = nullptr, *right = nullptr;
+  bw_script_output_get_script_output(one.get(), script, 0, "", &left);
+  bw_script_output_get_script_output(bulk.get(), script, 0, "", &right);
+  EXPECT_EQ(taken(left), taken(right));
+}
+
+TEST(CFace, GetSeriesTakesANameAsAColumnShowsItOrAsAScriptWritesIt) {
+  const Handle h = rampOf(12);
+  char* text = nullptr;
+  const double* values = nullptr;
+  size_t count = 0;
+  EXPECT_EQ(bw_script_output_get_series(h.get(), "A", &values, &count), 1) << "before any run";
+  bw_script_output_get_script_output(h.get(), "SET A = SMA(CLOSE, 3)", 0, "", &text);
+  bw_free(text);
+  for (const char* name : {"A", "a", "SMA(CLOSE, 3)", "sma(close,3)", " S M A (CLOSE,3)"}) {
+    ASSERT_EQ(bw_script_output_get_series(h.get(), name, &values, &count), 0) << name;
+    ASSERT_EQ(count, 13u);
+    // The mean of the closes 2, 3, 4 is the first, at row 4.
+    EXPECT_EQ(values[4], 3.0);
+  }
+  EXPECT_EQ(bw_script_output_get_series(h.get(), "B", &values, &count), 1);
+  EXPECT_EQ(bw_script_output_get_series(h.get(), "3", &values, &count), 0);
+  EXPECT_EQ(count, 0u) << "a number has no rows";
+}
+
+TEST(CFace, ClearRecordsRemovesTheBars) {
+  const Handle h = rampOf(20);
+  EXPECT_EQ(bw_script_output_clear_records(h.get()), 0);
+  char* text = nullptr;
+  EXPECT_EQ(bw_script_output_get_script_output(h.get(), "CLOSE", 0, "", &text), 0);
+  EXPECT_EQ(text, nullptr);
+}
+
+TEST(CFace, JulianDates) {
+  const Handle h = rampOf(0);
+  double jdate = 0;
+  EXPECT_EQ(bw_script_output_to_julian_date(h.get(), 1980, 1, 1, 0, 0, 0, 999, &jdate), 0);
+  EXPECT_EQ(jdate, 2444239.5);
+  char* text = nullptr;
+  EXPECT_EQ(bw_script_output_from_julian_date(h.get(), 2444239.5, &text), 0);
+  EXPECT_EQ(taken(text), "1980-01-01 00:00:00");
+  EXPECT_EQ(bw_script_output_from_julian_date(h.get(), 0.0, &text), 0);
+  EXPECT_EQ(taken(text), "No Date Time");
+}
+
+TEST(CFace, TheVersionIsAText) { EXPECT_EQ(std::string(bw_version()).find('.'), 1u); }
+
+}  // namespace
