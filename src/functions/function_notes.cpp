@@ -108,10 +108,9 @@ std::span<const OperationNotes> handlerNotes() {
        "else, and the result keeps 1e-10 away from zero, so that a later cut does not fall one unit short.",
        "v = source[i] cut to four decimals, q = trunc(v / multiple), r = v - q * multiple; v itself where r "
        "is 0 at "
-       "four decimals; of a positive v: MROUNDDOWN q * multiple, MROUNDUP (q + 1) * multiple, MROUND as "
+       "four decimals; for v > 0 MROUNDDOWN q * multiple, MROUNDUP (q + 1) * multiple; for v > 0 MROUND as "
        "MROUNDUP "
-       "where 2 * r > multiple, else as MROUNDDOWN; of a negative v: MROUNDUP q * multiple, MROUND and "
-       "MROUNDDOWN "
+       "where 2 * r > multiple, else as MROUNDDOWN; for v < 0 MROUNDUP q * multiple, MROUND and MROUNDDOWN "
        "(q - 1) * multiple",
        "rows from 0; a null, an infinity and a non-number give null; 0 where the cut leaves nothing.",
        "rows from 0, as over the whole history; recomputes the last row."},

@@ -17,7 +17,8 @@ namespace CFeedkit {
 ///   or low of the bar at which a direction ended; %SWINGPTOP and %SWINGPBOT hold the level of one from the
 ///   bar at which the turn shows
 /// batch: rows from 1, none with fewer than 2 rows; %SWING gives no values at all
-/// resumable: the rows of the batch form, all recomputed on each call; %SWING gives the pivots, null on all other rows
+/// resumable: the rows of the batch form, all recomputed on each call; %SWING gives the pivots, null on
+///   all other rows
 void PercentSwing(const Prices& prices, double percent, Count swingNumber, SwingLine line, Out out);
 
 }  // namespace CFeedkit
