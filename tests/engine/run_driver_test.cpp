@@ -157,6 +157,8 @@ TEST(Lookback, LeavesOutCallsWhoseNumbersAreNoPeriods) {
   EXPECT_EQ(lookback("MAXOF(CLOSE, 300) + SMA(CLOSE, 20)"), 42);
   // IF's brackets go, those of the call inside stay.
   EXPECT_EQ(lookback("IF(CLOSE > 900, SMA(CLOSE, 20), 800)"), 42);
+  // The blank in front of a bracket is taken away once, so the 9 counts here.
+  EXPECT_EQ(lookback("IF( (CLOSE > 9), 1, 2)"), 20);
   // Taking a bracket away may make a further call.
   EXPECT_EQ(lookback("IF((CLOSE > 900))"), 7);
   // REF is no such call.

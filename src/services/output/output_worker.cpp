@@ -58,25 +58,25 @@ void filterNames(std::vector<std::string>& names, std::string_view sets) {
   names = std::move(wanted);
 }
 
-/// A name is looked up as in a script, where LAST means the close and DATE the dates; one that no entry has
-/// exactly is the first entry that is the same without blanks.
-ScriptVariable findOutput(CScriptEngine& engine, std::string_view name) {
-  if (name == "LAST" || name == "DATE" || engine.variables.get(name)) return engine.LookupVariable(name);
+/// The entry of exactly this name, else the first that is the same without blanks. A variable that a script has named
+/// LAST or DATE is a column like any other, though the script itself reads the close and the dates by these names.
+const ScriptVariable* findEntry(const CScriptEngine& engine, std::string_view name) {
+  if (const ScriptVariable* entry = engine.variables.get(name)) return entry;
   const std::string bare = withoutBlanks(name);
   for (std::size_t i = 0; i < engine.variables.size(); ++i) {
-    if (withoutBlanks(engine.variables[i].name) == bare) return engine.variables[i];
+    if (withoutBlanks(engine.variables[i].name) == bare) return &engine.variables[i];
   }
-  return {};
+  return nullptr;
 }
 
 /// The wanted names that have a series, and the summary of their last values.
 void collectColumns(CScriptEngine& engine, std::vector<OutputColumn>& columns) {
   for (const std::string& name : engine.outputNames) {
-    const ScriptVariable output = findOutput(engine, name);
-    if (output.values.empty()) continue;
-    columns.push_back({cleanName(name), output.values});
+    const ScriptVariable* entry = findEntry(engine, name);
+    if (!entry || entry->values.empty()) continue;
+    columns.push_back({cleanName(name), entry->values});
     engine.outputSummary += "," + columns.back().name + ": ";
-    appendFixed(engine.outputSummary, output.value, 4);
+    appendFixed(engine.outputSummary, entry->value, 4);
   }
 }
 
