@@ -34,13 +34,13 @@ class BinaryFraction {
   static constexpr int kBits = 128;
 
   BinaryFraction() = default;  // 0
-  /// mantissa / 2^bits, for 1 to 128 bits; the mantissa is below 2^bits.
+  /// mantissa / 2^bits, for 1 to 127 bits; the mantissa is below 2^bits.
   BinaryFraction(std::uint64_t mantissa, int bits) {
     if (bits <= 64) {
       high_ = mantissa << (64 - bits);
     } else {
       high_ = mantissa >> (bits - 64);
-      low_ = bits < kBits ? mantissa << (kBits - bits) : mantissa;
+      low_ = mantissa << (kBits - bits);
     }
   }
 
@@ -80,13 +80,13 @@ struct SplitNumber {
   BinaryFraction fraction;
 };
 
-/// Nothing for a size below 2^-76 (0 included), or of 2^64 and above.
+/// Nothing for a size below 2^-75 (0 included), or of 2^64 and above.
 std::optional<SplitNumber> splitCommon(double value) {
   constexpr int kMantissaBits = 52;
   constexpr int kExponentBias = 1023 + kMantissaBits;
   const std::uint64_t bits = std::bit_cast<std::uint64_t>(value);
   const int exponent = static_cast<int>(bits >> kMantissaBits & 0x7FF) - kExponentBias;
-  if (exponent < -BinaryFraction::kBits || exponent > 63 - kMantissaBits) return std::nullopt;
+  if (exponent <= -BinaryFraction::kBits || exponent > 63 - kMantissaBits) return std::nullopt;
   const std::uint64_t mantissa = (bits & ((1ull << kMantissaBits) - 1)) | 1ull << kMantissaBits;
   if (exponent >= 0) return SplitNumber{mantissa << exponent, BinaryFraction()};
   if (exponent <= -64) return SplitNumber{0, BinaryFraction(mantissa, -exponent)};

@@ -158,6 +158,22 @@ TEST(FormatFixed, ATieAtTheTwentiethDecimalGoesToTheEvenDigit) {
   EXPECT_EQ(FormatFixed(0x3p-21, 20), "0.00000143051147460938");  // ...937|5 goes up
 }
 
+TEST(FormatFixed, EveryExponentAtEveryPrecisionInUse) {
+  // Against the C library's text: each power of two, and each with the least, an odd and the greatest mantissa.
+  char text[400];
+  for (int exponent = -1074; exponent <= 1023; ++exponent) {
+    for (double mantissa : {1.0, 1.0 + 0x1p-52, 1.6, 0x1.fffffffffffffp0}) {
+      for (double sign : {1.0, -1.0}) {
+        const double value = std::ldexp(sign * mantissa, exponent);
+        for (int precision : {0, 4, 20}) {
+          std::snprintf(text, sizeof text, "%.*f", precision, value);
+          ASSERT_EQ(FormatFixed(value, precision), text) << exponent << " " << precision;
+        }
+      }
+    }
+  }
+}
+
 TEST(FormatFixed, InfinitiesAndNonNumbersAreZero) {
   for (const double x : {kNaN, kInf, -kInf}) {
     EXPECT_EQ(FormatFixed(x, 20), "0");
