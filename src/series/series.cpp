@@ -4,22 +4,62 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace brindlewort {
 
+namespace {
+
+/// Smaller buffers are left to the allocator, which is quick with them.
+constexpr std::size_t kPooledCapacity = 4096;
+/// A buffer with more room than this many times what is wanted stays in the pool.
+constexpr std::size_t kMostSlack = 2;
+
+thread_local SeriesPool* presentPool = nullptr;
+
+constexpr std::align_val_t kAlignment{32};
+
+}  // namespace
+
+SeriesPool::Scope::Scope(SeriesPool& pool) : outer_(presentPool) { presentPool = &pool; }
+SeriesPool::Scope::~Scope() { presentPool = outer_; }
+
+void SeriesPool::trim() {
+  for (const Kept& kept : kept_) ::operator delete(kept.memory, kAlignment);
+  kept_.clear();
+}
+
 Series::Buffer* Series::allocate(std::size_t capacity) {
+  static_assert(alignof(Buffer) == static_cast<std::size_t>(kAlignment));
   if (capacity > (std::numeric_limits<std::size_t>::max() - sizeof(Buffer)) / sizeof(double)) {
     throw std::bad_alloc();
   }
-  void* memory =
-      ::operator new (sizeof(Buffer) + capacity * sizeof(double), std::align_val_t{alignof(Buffer)});
-  return new (memory) Buffer{0, capacity, 1};
+  if (presentPool && capacity >= kPooledCapacity) {
+    std::vector<SeriesPool::Kept>& kept = presentPool->kept_;
+    for (std::size_t i = kept.size(); i-- > 0;) {
+      if (kept[i].capacity < capacity || kept[i].capacity / kMostSlack > capacity) continue;
+      const SeriesPool::Kept found = std::exchange(kept[i], kept.back());
+      kept.pop_back();
+      return new (found.memory) Buffer{0, found.capacity, 1};
+    }
+  }
+  return new (::operator new(sizeof(Buffer) + capacity * sizeof(double), kAlignment)) Buffer{0, capacity, 1};
+}
+
+void Series::free(Buffer* buffer) {
+  if (presentPool && buffer->capacity >= kPooledCapacity) {
+    try {
+      presentPool->kept_.push_back({buffer, buffer->capacity});
+      return;
+    } catch (const std::bad_alloc&) {
+      // no room to note it
+    }
+  }
+  ::operator delete(buffer, kAlignment);
 }
 
 void Series::release() {
-  if (buffer_ && --buffer_->owners == 0) {
-    ::operator delete (buffer_, std::align_val_t{alignof(Buffer)});
-  }
+  if (buffer_ && --buffer_->owners == 0) free(buffer_);
   buffer_ = nullptr;
 }
 

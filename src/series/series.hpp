@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <span>
+#include <vector>
 
 namespace brindlewort {
 
@@ -9,6 +10,41 @@ namespace brindlewort {
 using View = std::span<const double>;
 /// Write access to the rows of a series.
 using Out = std::span<double>;
+
+/// Keeps the buffers of large series that are no longer needed for those that are made next: fresh memory costs a
+/// page fault every few hundred rows. Buffers come and go through it while a Scope of it is alive on the
+/// thread; the pool must outlive the scope, not the series.
+class SeriesPool {
+ public:
+  SeriesPool() = default;
+  ~SeriesPool() { trim(); }
+  SeriesPool(const SeriesPool&) = delete;
+  SeriesPool& operator=(const SeriesPool&) = delete;
+
+  /// Gives the memory of all kept buffers back.
+  void trim();
+  /// How many buffers are kept.
+  std::size_t size() const { return kept_.size(); }
+
+  class Scope {
+   public:
+    explicit Scope(SeriesPool& pool);
+    ~Scope();
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+   private:
+    SeriesPool* outer_;
+  };
+
+ private:
+  friend class Series;
+  struct Kept {
+    void* memory;
+    std::size_t capacity;
+  };
+  std::vector<Kept> kept_;
+};
 
 /// A growable vector of double that behaves as a value and costs a pointer to copy: copies share one
 /// buffer until one of them is written (copy on write). Not safe for sharing between threads: all
@@ -61,6 +97,7 @@ class Series {
   };
 
   static Buffer* allocate(std::size_t capacity);
+  static void free(Buffer* buffer);
   void release();
   void makeRoom(std::size_t capacity);             // unique, with at least this capacity, rows kept
   std::size_t roomToGrow(std::size_t rows) const;  // capacity to ask for when `rows` rows are to fit

@@ -195,5 +195,56 @@ TEST(Series, BehavesAsADeepCopiedVector) {
   }
 }
 
+TEST(SeriesPool, ABufferOfAFinishedSeriesServesTheNext) {
+  SeriesPool pool;
+  const double* first = nullptr;
+  {
+    const SeriesPool::Scope scope(pool);
+    {
+      const Series series(5000, 1.0);
+      first = series.data();
+    }
+    EXPECT_EQ(pool.size(), 1u);
+    const Series next(4800, 2.0);
+    EXPECT_EQ(next.data(), first);
+    EXPECT_EQ(next.size(), 4800u);
+    EXPECT_EQ(next[4799], 2.0);
+    EXPECT_EQ(pool.size(), 0u);
+  }
+}
+
+TEST(SeriesPool, ASharedBufferIsKeptWhenItsLastOwnerGoes) {
+  SeriesPool pool;
+  const SeriesPool::Scope scope(pool);
+  Series one(5000, 1.0);
+  Series two = one;
+  one = Series();
+  EXPECT_EQ(pool.size(), 0u);
+  two = Series();
+  EXPECT_EQ(pool.size(), 1u);
+  pool.trim();
+  EXPECT_EQ(pool.size(), 0u);
+}
+
+TEST(SeriesPool, SmallAndFarTooLargeBuffersAreNotTaken) {
+  SeriesPool pool;
+  const SeriesPool::Scope scope(pool);
+  { const Series small(100, 0.0); }
+  EXPECT_EQ(pool.size(), 0u);
+  { const Series large(50'000, 0.0); }
+  const Series wanted(5000, 0.0);
+  EXPECT_EQ(pool.size(), 1u) << "the large one stays";
+}
+
+TEST(SeriesPool, ASeriesMayOutliveTheScopeAndThePool) {
+  Series series;
+  {
+    SeriesPool pool;
+    const SeriesPool::Scope scope(pool);
+    series.assign(5000, 3.0);
+  }
+  EXPECT_EQ(series[4999], 3.0);
+}
+
 }  // namespace
 }  // namespace brindlewort

@@ -34,7 +34,7 @@ std::optional<double> OutputTable::at(std::size_t column, std::size_t bar) const
   return values[bar - valueOffset];
 }
 
-CScriptOutput::CScriptOutput() = default;
+CScriptOutput::CScriptOutput() : pool_(std::make_unique<SeriesPool>()) {}
 CScriptOutput::~CScriptOutput() = default;
 CScriptOutput::CScriptOutput(CScriptOutput&&) noexcept = default;
 CScriptOutput& CScriptOutput::operator=(CScriptOutput&&) noexcept = default;
@@ -83,16 +83,21 @@ std::optional<std::int32_t> CScriptOutput::GetRecordNumberByJDate(double JDate) 
 
 // ---- Runs ---------------------------------------------------------------------------------------------------
 
-/// Work on a fresh engine, which is kept for the questions that follow. A lack of memory becomes the event.
+/// Work on a fresh engine, which is kept for the questions that follow; it takes over the buffers of the engine
+/// before. A lack of memory becomes the event.
 template <class Work>
 auto CScriptOutput::guarded(Work work) -> decltype(work()) {
   try {
+    const SeriesPool::Scope scope(*pool_);
+    engine_.reset();
     engine_ = std::make_unique<CScriptEngine>();
     auto result = work();
     engine_->bars.clear();
+    pool_->trim();
     return result;
   } catch (const std::bad_alloc&) {
     engine_.reset();
+    pool_->trim();
     if (ScriptError) ScriptError(std::string(kOutOfMemory));
     return {};
   }

@@ -86,6 +86,7 @@ class CScriptOutput {
 
   BarStore bars_;
   BarStore livingBars_;                    ///< of the incremental way
+  std::unique_ptr<SeriesPool> pool_;       ///< buffers of the run before, for the next
   std::unique_ptr<CScriptEngine> engine_;  ///< of the last run
 };
 
