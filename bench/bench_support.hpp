@@ -25,7 +25,7 @@ struct Bars {
   }
 };
 
-/// A random walk with a fixed seed; made once per row count.
+/// A random walk about 100 with a fixed seed; made once per row count.
 inline const Bars& bars(std::int64_t rows) {
   static std::vector<std::pair<std::int64_t, Bars>> made;
   for (const auto& [n, b] : made) {
@@ -44,6 +44,7 @@ inline const Bars& bars(std::int64_t rows) {
   for (std::int64_t i = 0; i < rows; ++i) {
     const double open = level;
     level *= 1.0 + (unit() - 0.5) * 0.02;
+    level += (100.0 - level) * 0.001;  // else a million rows end near 0
     b.open.push_back(open);
     b.high.push_back((open > level ? open : level) * (1.0 + unit() * 0.005));
     b.low.push_back((open < level ? open : level) * (1.0 - unit() * 0.005));
