@@ -1,5 +1,5 @@
-// Runs the benchmarks and prints, for each pair of our code and the plain loop beside it, the ratio of their times; the
-// last column is that of the resumable form's first call.
+// Runs the benchmarks and prints, for each pair of our code and the plain loop beside it, the ratio of their
+// times; the last column is that of the resumable form's first call.
 
 #include <benchmark/benchmark.h>
 
@@ -24,19 +24,20 @@ class PairReporter : public benchmark::ConsoleReporter {
       const std::size_t argument = name.rfind('/');
       const std::size_t side = name.rfind('/', argument - 1);
       if (argument == std::string::npos || side == std::string::npos) continue;
-      times_[{name.substr(0, side), std::stoll(name.substr(argument + 1))}][name.substr(side + 1, argument - side - 1)] =
-          run.GetAdjustedCPUTime();
+      times_[{name.substr(0, side), std::stoll(name.substr(argument + 1))}]
+            [name.substr(side + 1, argument - side - 1)] = run.GetAdjustedCPUTime();
     }
   }
 
   void printRatios() const {
-    std::printf("\n%-44s %10s %14s %14s %8s %8s\n", "benchmark", "rows", "engine ns", "plain ns", "ratio", "first");
+    std::printf("\n%-44s %10s %14s %14s %8s %8s\n", "benchmark", "rows", "engine ns", "plain ns", "ratio",
+                "first");
     for (const auto& [key, sides] : times_) {
       const auto engine = sides.find("engine"), plain = sides.find("plain");
       if (engine == sides.end() || plain == sides.end()) continue;
       const auto first = sides.find("first");
-      std::printf("%-44s %10lld %14.0f %14.0f %8.2f", key.first.c_str(), key.second, engine->second, plain->second,
-                  engine->second / plain->second);
+      std::printf("%-44s %10lld %14.0f %14.0f %8.2f", key.first.c_str(), key.second, engine->second,
+                  plain->second, engine->second / plain->second);
       if (first != sides.end()) std::printf(" %8.2f", first->second / plain->second);
       std::printf("\n");
     }

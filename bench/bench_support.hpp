@@ -10,9 +10,10 @@
 #include "indicators/frame.hpp"
 #include "series/field.hpp"
 
-/// What the benchmarks share: made-up bars, and the naming by which `./run bench` pairs rows. A benchmark of our code
-/// is named "<what>/engine", the hand-written loop beside it "<what>/plain"; the resumable form is "<what>/first" for its
-/// first call and "<what>/resumed" for one more bar. All take the row count as their argument.
+/// What the benchmarks share: made-up bars, and the naming by which `./run bench` pairs rows. A benchmark of
+/// our code is named "<what>/engine", the hand-written loop beside it "<what>/plain"; the resumable form is
+/// "<what>/first" for its first call and "<what>/resumed" for one more bar. All take the row count as their
+/// argument.
 namespace brindlewort::bench {
 
 inline constexpr int kFew = 250, kSome = 10'000, kMany = 1'000'000;
@@ -55,7 +56,8 @@ inline const Bars& bars(std::int64_t rows) {
   return made.back().second;
 }
 
-/// A store of work series with stable addresses, as the incremental engine has it; keys are compared part by part.
+/// A store of work series with stable addresses, as the incremental engine has it; keys are compared part by
+/// part.
 class Store : public WorkStore {
  public:
   explicit Store(std::size_t rows) : rows_(rows) { entries_.reserve(64); }
@@ -63,7 +65,8 @@ class Store : public WorkStore {
     for (Entry& entry : entries_) {
       if (entry.name == name && sameParts(entry.parts, parts)) return asField(entry);
     }
-    entries_.push_back({std::string(name), {parts.begin(), parts.end()},
+    entries_.push_back({std::string(name),
+                        {parts.begin(), parts.end()},
                         {std::string(name), 0.0, Series(rows_, NULL_VALUE), -1, kComputedVariable}});
     return asField(entries_.back());
   }
@@ -89,46 +92,55 @@ class Store : public WorkStore {
 /// A batch operation over the bars; `run` fills the rows it is given.
 template <class Run>
 void batchRow(const char* name, Run run) {
-  benchmark::RegisterBenchmark(name, [run](benchmark::State& state) {
-    const Bars& b = bars(state.range(0));
-    std::vector<double> out(b.close.size(), NULL_VALUE);
-    for (auto _ : state) {
-      run(b, Out(out));
-      benchmark::DoNotOptimize(out.data());
-      benchmark::ClobberMemory();
-    }
-  })->Arg(kSome)->Arg(kMany);
+  benchmark::RegisterBenchmark(name,
+                               [run](benchmark::State& state) {
+                                 const Bars& b = bars(state.range(0));
+                                 std::vector<double> out(b.close.size(), NULL_VALUE);
+                                 for (auto _ : state) {
+                                   run(b, Out(out));
+                                   benchmark::DoNotOptimize(out.data());
+                                   benchmark::ClobberMemory();
+                                 }
+                               })
+      ->Arg(kSome)
+      ->Arg(kMany);
 }
 
-/// A resumable operation under "<what>/resumed": one more bar, everything but the last row having been computed. And
-/// under "<what>/first": the first call over all rows, with the making of its work series.
+/// A resumable operation under "<what>/resumed": one more bar, everything but the last row having been
+/// computed. And under "<what>/first": the first call over all rows, with the making of its work series.
 template <class Run>
 void resumedRow(const char* name, Run run) {
-  benchmark::RegisterBenchmark(name, [run](benchmark::State& state) {
-    const Bars& b = bars(state.range(0));
-    Store store(b.close.size());
-    std::vector<double> out(b.close.size(), NULL_VALUE);
-    std::int32_t slot = -1;
-    run(store, b.sources(), Target{out, &slot});
-    for (auto _ : state) {
-      run(store, b.sources(), Target{out, &slot});
-      benchmark::DoNotOptimize(out.data());
-      benchmark::ClobberMemory();
-    }
-  })->Arg(kSome)->Arg(kMany);
+  benchmark::RegisterBenchmark(name,
+                               [run](benchmark::State& state) {
+                                 const Bars& b = bars(state.range(0));
+                                 Store store(b.close.size());
+                                 std::vector<double> out(b.close.size(), NULL_VALUE);
+                                 std::int32_t slot = -1;
+                                 run(store, b.sources(), Target{out, &slot});
+                                 for (auto _ : state) {
+                                   run(store, b.sources(), Target{out, &slot});
+                                   benchmark::DoNotOptimize(out.data());
+                                   benchmark::ClobberMemory();
+                                 }
+                               })
+      ->Arg(kSome)
+      ->Arg(kMany);
 
   std::string first(name);
   first = first.substr(0, first.rfind('/')) + "/first";
-  benchmark::RegisterBenchmark(first.c_str(), [run](benchmark::State& state) {
-    const Bars& b = bars(state.range(0));
-    for (auto _ : state) {
-      Store store(b.close.size());
-      std::vector<double> out(b.close.size(), NULL_VALUE);
-      std::int32_t slot = -1;
-      run(store, b.sources(), Target{out, &slot});
-      benchmark::DoNotOptimize(out.data());
-    }
-  })->Arg(kSome)->Arg(kMany);
+  benchmark::RegisterBenchmark(first.c_str(),
+                               [run](benchmark::State& state) {
+                                 const Bars& b = bars(state.range(0));
+                                 for (auto _ : state) {
+                                   Store store(b.close.size());
+                                   std::vector<double> out(b.close.size(), NULL_VALUE);
+                                   std::int32_t slot = -1;
+                                   run(store, b.sources(), Target{out, &slot});
+                                   benchmark::DoNotOptimize(out.data());
+                                 }
+                               })
+      ->Arg(kSome)
+      ->Arg(kMany);
 }
 
 }  // namespace brindlewort::bench

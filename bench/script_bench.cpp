@@ -18,8 +18,8 @@ CScriptOutput component(std::int64_t rows) {
   CScriptOutput output;
   output.makeRoom(b.close.size());
   for (std::size_t i = 0; i < b.close.size(); ++i) {
-    output.AppendRecord(2444300.5 + static_cast<double>(i % 40000), b.open[i], b.high[i], b.low[i], b.close[i],
-                        static_cast<std::int32_t>(b.volume[i]));
+    output.AppendRecord(2444300.5 + static_cast<double>(i % 40000), b.open[i], b.high[i], b.low[i],
+                        b.close[i], static_cast<std::int32_t>(b.volume[i]));
   }
   return output;
 }
@@ -74,7 +74,8 @@ BENCHMARK(crossoverPlain)->Name("crossover script, series/plain")->Arg(kFew)->Ar
 void threeColumns(benchmark::State& state) {
   CScriptOutput output = component(state.range(0));
   for (auto _ : state) benchmark::DoNotOptimize(output.GetScriptOutput(kCrossover, 0, "A,B,REF(CLOSE,1)"));
-  state.counters["rows/s"] = benchmark::Counter(static_cast<double>(state.range(0)), benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["rows/s"] =
+      benchmark::Counter(static_cast<double>(state.range(0)), benchmark::Counter::kIsIterationInvariantRate);
 }
 BENCHMARK(threeColumns)->Name("crossover script, text/engine")->Arg(kFew)->Arg(kSome)->Arg(kMany);
 

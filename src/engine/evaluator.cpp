@@ -1,6 +1,7 @@
-// The evaluator. The text is the program: an expression is scanned once, flat and from left to right, and each
-// operand is read by EvaluateTerm; brackets, arguments and SET values recurse on pieces of the text. Every value
-// is remembered in `variables` under its own text, so that text that occurs twice is computed once.
+// The evaluator. The text is the program: an expression is scanned once, flat and from left to right, and
+// each operand is read by EvaluateTerm; brackets, arguments and SET values recurse on pieces of the text.
+// Every value is remembered in `variables` under its own text, so that text that occurs twice is computed
+// once.
 
 #include <charconv>
 
@@ -15,7 +16,8 @@ namespace brindlewort {
 namespace {
 
 constexpr std::uint32_t kTimeLimitMs = 300'000;
-constexpr std::string_view kTimedOut = "Error: The script timed out. Please shorten your script and try again.";
+constexpr std::string_view kTimedOut =
+    "Error: The script timed out. Please shorten your script and try again.";
 
 constexpr std::string_view kWordOperators[] = {"NOT", "OR ", "AND", "XOR", "EQV", "IMP"};
 
@@ -116,7 +118,8 @@ std::string CScriptEngine::MakeKey(std::string_view text, std::string_view extra
   }
   if (key == "CSP()" && candlePattern != -1) {
     char digits[16];
-    const auto end = std::to_chars(digits, digits + sizeof digits, static_cast<std::uint32_t>(candlePattern), 16);
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, static_cast<std::uint32_t>(candlePattern), 16);
     return "CSP(" + std::string(digits, end.ptr) + ")";
   }
   return key;
@@ -151,7 +154,6 @@ ScriptVariable CScriptEngine::EvaluateExpression(std::string_view text) {
   const std::size_t slot = variables.append({key, 0.0, zeros(), -1, kComputedVariable});
   variables.setPending(slot, true);
   const Statement statement = splitStatement(trim(text));
-  inSetStatement = statement.isSet;
   if (statement.isSet) key = MakeKey(statement.text, "");
 
   ScriptVariable value = scan(statement.text);
@@ -170,7 +172,6 @@ ScriptVariable CScriptEngine::EvaluateExpression(std::string_view text) {
   variables[slot].values = value.values;
   variables[slot].value = value.value;
   if (!statement.name.empty()) RememberVariable(statement.name, value);
-  inSetStatement = false;
   return value;
 }
 
@@ -197,7 +198,8 @@ ScriptVariable CScriptEngine::scan(std::string_view text) {
     } else if (std::string_view("&+-*/\\^").find(c) != std::string_view::npos) {
       op = text.substr(position++, 1);
     } else if (std::string_view("><=!").find(c) != std::string_view::npos) {
-      const bool two = position + 1 < text.size() && std::string_view("><=").find(text[position + 1]) != std::string_view::npos;
+      const bool two = position + 1 < text.size() &&
+                       std::string_view("><=").find(text[position + 1]) != std::string_view::npos;
       op = text.substr(position, two ? 2 : 1);
       position += op.size();
     } else if (op.empty()) {

@@ -13,9 +13,9 @@ namespace {
 
 /// Calls whose numbers are no periods.
 constexpr std::string_view kNoPeriodCalls[] = {
-    "LASTIF", "COUNTIF",  "SUMIF",     "CROSSOVER", "IF",       "LOOP",       "SIN",      "COS",      "TAN",
-    "ATN",    "EXP",      "LOG",       "LOG10",     "RND",      "ROUND",      "ROUNDUP",  "ROUNDDOWN", "MROUND",
-    "MROUNDUP", "MROUNDDOWN", "REPEATIF", "DATEPART", "DATEDIFF", "MAXOF",    "MINOF",    "CROSSOVER"};
+    "LASTIF",   "COUNTIF",    "SUMIF",    "CROSSOVER", "IF",       "LOOP",  "SIN",     "COS",       "TAN",
+    "ATN",      "EXP",        "LOG",      "LOG10",     "RND",      "ROUND", "ROUNDUP", "ROUNDDOWN", "MROUND",
+    "MROUNDUP", "MROUNDDOWN", "REPEATIF", "DATEPART",  "DATEDIFF", "MAXOF", "MINOF",   "CROSSOVER"};
 
 /// The text without the brackets of each call of `name`: its "(" and the matching ")". Taking a bracket away
 /// may make a further call of the name, which loses its brackets too.

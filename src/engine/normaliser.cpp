@@ -16,16 +16,38 @@ namespace brindlewort {
 
 namespace {
 
-constexpr std::array<std::string_view, 10> kComparisons = {"==", "=<", "!=", "<>", ">=",
-                                                           "=>", "<=", "=",  "<",  ">"};
+constexpr std::array<std::string_view, 10> kComparisons = {
+    "==", "=<", "!=", "<>", ">=", "=>", "<=", "=", "<", ">"};
 constexpr std::array<std::string_view, 3> kLogical = {"AND", "OR", "NOT"};
 
 /// Names that may stand without "()". Those with a blank or a bracket in front are short and match only at
 /// the start of a word.
-constexpr std::array<std::string_view, 26> kNoArgumentNames = {
-    "HIGHMINUSLOW", " HML", "MEDIANPRICE", "TYPICALPRICE", "WEIGHTEDCLOSE", "TRUERANGE", "PRIMENUMBERBANDS",
-    "PRIMENUMBEROSCILLATOR", " PNO", " PNBT", " PNBB", " WAD", "WILLIAMSACCUMULATIONDISTRIBUTION", "CANDLESTICKS",
-    "CANDLESTICKPATTERN", " CSP", "(CSP", "RES1", "RES2", "RES3", "RES4", "SUP1", "SUP2", "SUP3", "SUP4", "PIVOT"};
+constexpr std::array<std::string_view, 26> kNoArgumentNames = {"HIGHMINUSLOW",
+                                                               " HML",
+                                                               "MEDIANPRICE",
+                                                               "TYPICALPRICE",
+                                                               "WEIGHTEDCLOSE",
+                                                               "TRUERANGE",
+                                                               "PRIMENUMBERBANDS",
+                                                               "PRIMENUMBEROSCILLATOR",
+                                                               " PNO",
+                                                               " PNBT",
+                                                               " PNBB",
+                                                               " WAD",
+                                                               "WILLIAMSACCUMULATIONDISTRIBUTION",
+                                                               "CANDLESTICKS",
+                                                               "CANDLESTICKPATTERN",
+                                                               " CSP",
+                                                               "(CSP",
+                                                               "RES1",
+                                                               "RES2",
+                                                               "RES3",
+                                                               "RES4",
+                                                               "SUP1",
+                                                               "SUP2",
+                                                               "SUP3",
+                                                               "SUP4",
+                                                               "PIVOT"};
 
 void replace(std::string& text, std::string_view from, std::string_view to) {
   if (contains(text, from)) text = replaceAll(text, from, to);
@@ -33,12 +55,12 @@ void replace(std::string& text, std::string_view from, std::string_view to) {
 
 void spaceComparisonSigns(std::string& text) {
   static constexpr std::array<std::array<std::string_view, 2>, 7> kRules = {{{"=", " = "},
-                                                                            {"> =", ">="},
-                                                                            {"< =", "<="},
-                                                                            {"= >", "=>"},
-                                                                            {"= <", "=<"},
-                                                                            {"! =", "!="},
-                                                                            {"=  =", "=="}}};
+                                                                             {"> =", ">="},
+                                                                             {"< =", "<="},
+                                                                             {"= >", "=>"},
+                                                                             {"= <", "=<"},
+                                                                             {"! =", "!="},
+                                                                             {"=  =", "=="}}};
   for (const auto& [from, to] : kRules) replace(text, from, to);
 }
 

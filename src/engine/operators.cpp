@@ -29,11 +29,21 @@ struct Loops {
 };
 
 // Arithmetic reads a null as 0; a division by zero is a plain floating division.
-struct Add { double operator()(double l, double r) const { return nz(l) + nz(r); } };
-struct Subtract { double operator()(double l, double r) const { return nz(l) - nz(r); } };
-struct Multiply { double operator()(double l, double r) const { return nz(l) * nz(r); } };
-struct Divide { double operator()(double l, double r) const { return nz(l) / nz(r); } };
-struct Power { double operator()(double l, double r) const { return std::pow(nz(l), nz(r)); } };
+struct Add {
+  double operator()(double l, double r) const { return nz(l) + nz(r); }
+};
+struct Subtract {
+  double operator()(double l, double r) const { return nz(l) - nz(r); }
+};
+struct Multiply {
+  double operator()(double l, double r) const { return nz(l) * nz(r); }
+};
+struct Divide {
+  double operator()(double l, double r) const { return nz(l) / nz(r); }
+};
+struct Power {
+  double operator()(double l, double r) const { return std::pow(nz(l), nz(r)); }
+};
 
 // Comparisons are made on quantised values, and a null stays the large negative number that it is.
 template <class Compare>
@@ -50,11 +60,21 @@ using Equal = Quantised<std::equal_to<std::int64_t>>;
 using Unequal = Quantised<std::not_equal_to<std::int64_t>>;
 
 // Truth is an exact comparison with 0.0. "NOT" is a prefix: its left side is not looked at.
-struct Not { double operator()(double, double r) const { return r == 0.0 ? 1.0 : 0.0; } };
-struct And { double operator()(double l, double r) const { return l != 0.0 && r != 0.0 ? 1.0 : 0.0; } };
-struct Or { double operator()(double l, double r) const { return l != 0.0 || r != 0.0 ? 1.0 : 0.0; } };
-struct Xor { double operator()(double l, double r) const { return (l != 0.0) != (r != 0.0) ? 1.0 : 0.0; } };
-struct Eqv { double operator()(double l, double r) const { return (l != 0.0) == (r != 0.0) ? 1.0 : 0.0; } };
+struct Not {
+  double operator()(double, double r) const { return r == 0.0 ? 1.0 : 0.0; }
+};
+struct And {
+  double operator()(double l, double r) const { return l != 0.0 && r != 0.0 ? 1.0 : 0.0; }
+};
+struct Or {
+  double operator()(double l, double r) const { return l != 0.0 || r != 0.0 ? 1.0 : 0.0; }
+};
+struct Xor {
+  double operator()(double l, double r) const { return (l != 0.0) != (r != 0.0) ? 1.0 : 0.0; }
+};
+struct Eqv {
+  double operator()(double l, double r) const { return (l != 0.0) == (r != 0.0) ? 1.0 : 0.0; }
+};
 
 }  // namespace
 
@@ -71,7 +91,11 @@ namespace {
 
 template <class Formula>
 constexpr Operator row(std::string_view spelling, Family family = Family::kArithmetic, bool prefix = false) {
-  return {spelling, family, prefix, Loops<Formula>::withSeries, Loops<Formula>::withScalar,
+  return {spelling,
+          family,
+          prefix,
+          Loops<Formula>::withSeries,
+          Loops<Formula>::withScalar,
           Loops<Formula>::scalars};
 }
 
@@ -116,7 +140,8 @@ void update(Series& left, std::size_t rows, Loop loop) {
   left = std::move(fresh);
 }
 
-void applyArithmetic(const Operator& op, ScriptVariable& left, const ScriptVariable& right, const Series& zeros) {
+void applyArithmetic(const Operator& op, ScriptVariable& left, const ScriptVariable& right,
+                     const Series& zeros) {
   if (left.values.empty()) left.values = zeros;
   std::size_t rows = std::min(left.values.size(), zeros.size());
   if (!right.values.empty()) {
@@ -150,7 +175,8 @@ const Operator* findOperator(std::string_view spelling) {
   return nullptr;
 }
 
-void apply(const Operator& op, ScriptVariable& left, const ScriptVariable& right, const OperatorContext& context) {
+void apply(const Operator& op, ScriptVariable& left, const ScriptVariable& right,
+           const OperatorContext& context) {
   if (op.family == Family::kArithmetic) {
     applyArithmetic(op, left, right, context.zeros);
   } else if (!context.dryRun) {

@@ -21,6 +21,7 @@ struct OperatorContext {
 
 /// left = left op right. Arithmetic and comparison of a scalar left side with anything first makes it a
 /// series of zeros, so that `2 * CLOSE` is 0 in all rows but the last: the left scalar is not spread.
-void apply(const Operator& op, ScriptVariable& left, const ScriptVariable& right, const OperatorContext& context);
+void apply(const Operator& op, ScriptVariable& left, const ScriptVariable& right,
+           const OperatorContext& context);
 
 }  // namespace brindlewort

@@ -1,5 +1,5 @@
-// The run driver: takes the host's script text, strips and splits it, checks that there are enough bars, sets up
-// the price series and drives the evaluator.
+// The run driver: takes the host's script text, strips and splits it, checks that there are enough bars, sets
+// up the price series and drives the evaluator.
 
 #include <algorithm>
 #include <array>
@@ -68,8 +68,8 @@ CScriptEngine::CScriptEngine() = default;
 /// Takes the statements SET EXCHANGE, SECTOR, INDUSTRY and SYMBOL off the head of the script: all up to the
 /// line break behind the last of them is the source part, which never reaches the evaluator.
 void CScriptEngine::readSourceStatements(std::string& script) {
-  static constexpr std::array<std::string_view, 4> kStatements = {"SET EXCHANGE", "SET SECTOR", "SET INDUSTRY",
-                                                                  "SET SYMBOL"};
+  static constexpr std::array<std::string_view, 4> kStatements = {"SET EXCHANGE", "SET SECTOR",
+                                                                  "SET INDUSTRY", "SET SYMBOL"};
   std::size_t greatest = std::string::npos;
   for (std::string_view statement : kStatements) {
     const std::size_t at = script.find(statement);
@@ -115,7 +115,7 @@ std::string CScriptEngine::RunScript(std::string_view hostScript, bool rowScan, 
   if (script.empty()) return "Error: Missing script";
   if (script.size() > kLongestScript) return "Error: Script too large";
   for (std::string* text :
-       {&abortMark, &errorText, &exchange, &sector, &industry, &symbol, &functionContext, &currentFunction}) {
+       {&abortMark, &errorText, &exchange, &sector, &industry, &symbol, &currentFunction}) {
     text->clear();
   }
   aborted_ = false;
@@ -145,7 +145,8 @@ std::string CScriptEngine::RunScript(std::string_view hostScript, bool rowScan, 
 
   std::string resultText;
   if (rowScan) {
-    for (std::size_t row = static_cast<std::size_t>(windowLength); row < bars.size() && errorText.empty(); ++row) {
+    for (std::size_t row = static_cast<std::size_t>(windowLength); row < bars.size() && errorText.empty();
+         ++row) {
       if (BuildPriceFields(row)) evaluateStatements(program.sets, program.main, resultText);
     }
   } else if (BuildPriceFields(bars.size() - 1) || paddedData) {

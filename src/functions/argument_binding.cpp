@@ -38,7 +38,8 @@ std::string_view CheckWholeNumber(std::string_view text) {
 }
 
 void CScriptEngine::SplitArguments(std::string_view text, int required, std::span<std::string_view> slots) {
-  for (std::size_t i = 0; i < slots.size(); ++i) slots[i] = NthArgument(text, static_cast<int>(i) + 1, required);
+  for (std::size_t i = 0; i < slots.size(); ++i)
+    slots[i] = NthArgument(text, static_cast<int>(i) + 1, required);
 }
 
 std::string_view CScriptEngine::NthArgument(std::string_view text, int position, int required) {

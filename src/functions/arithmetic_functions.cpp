@@ -1,5 +1,5 @@
-// Single-argument mathematics, rounding, SUM, AVERAGE, MAX, MIN, MAXOF and MINOF over the whole history. A null is an
-// ordinary number here.
+// Single-argument mathematics, rounding, SUM, AVERAGE, MAX, MIN, MAXOF and MINOF over the whole history. A
+// null is an ordinary number here.
 
 #include <cmath>
 #include <vector>
@@ -19,9 +19,10 @@ using Function = double (*)(double);
 
 /// By MathOutput; RND has no row.
 constexpr Function kMathFunctions[] = {
-    [](double x) { return std::fabs(x); },  [](double x) { return std::sin(x); }, [](double x) { return std::cos(x); },
-    [](double x) { return std::tan(x); },   [](double x) { return std::atan(x); }, [](double x) { return std::exp(x); },
-    [](double x) { return std::log(x); },   [](double x) { return std::log10(x); },
+    [](double x) { return std::fabs(x); }, [](double x) { return std::sin(x); },
+    [](double x) { return std::cos(x); },  [](double x) { return std::tan(x); },
+    [](double x) { return std::atan(x); }, [](double x) { return std::exp(x); },
+    [](double x) { return std::log(x); },  [](double x) { return std::log10(x); },
 };
 
 /// Every row is a new draw times the source's last value. Seeded with the seconds of the clock on each call.
@@ -150,9 +151,15 @@ bool windowFunction(CScriptEngine& engine, FunctionCall& call, ScriptVariable& r
   result.values = Series(in.size(), 0.0);
   const Out out = result.values.edit();
   switch (call.output) {
-    case kSum: sumWindow(in, p, out); break;
-    case kAverage: averageWindow(in, p, out); break;
-    default: extremeWindow(in, p, call.output == kMax, out); break;
+    case kSum:
+      sumWindow(in, p, out);
+      break;
+    case kAverage:
+      averageWindow(in, p, out);
+      break;
+    default:
+      extremeWindow(in, p, call.output == kMax, out);
+      break;
   }
   return true;
 }

@@ -1,5 +1,5 @@
-// IF, COUNTIF, SUMIF, LASTIF, REPEATIF, CROSSOVER, REF and LOOP over the whole history. A row of a condition is
-// true when it is not exactly 0.0, so a null is true.
+// IF, COUNTIF, SUMIF, LASTIF, REPEATIF, CROSSOVER, REF and LOOP over the whole history. A row of a condition
+// is true when it is not exactly 0.0, so a null is true.
 
 #include <cmath>
 
@@ -11,12 +11,15 @@ namespace brindlewort::handlers {
 namespace {
 
 /// The rule of one comparison is about the text: an AND written without blanks slips through.
-bool joinsConditions(std::string_view text) { return contains(text, " AND ") || contains(text, " OR "); }
+bool joinsConditions(std::string_view text) {
+  return contains(text, " AND ") || contains(text, " OR ");
+}
 
 bool oneConditionOnly(CScriptEngine& engine, const FunctionCall& call) {
   if (!joinsConditions(call.argumentText)) return true;
-  return engine.ReportInvalid(call.name, std::string(call.name) + " function must contain only one condition, "
-                                                                  "without the 'AND' or 'OR' operators");
+  return engine.ReportInvalid(call.name, std::string(call.name) +
+                                             " function must contain only one condition, "
+                                             "without the 'AND' or 'OR' operators");
 }
 
 /// The condition's text, put in brackets and evaluated as an expression of its own.
@@ -89,8 +92,8 @@ bool sumIf(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) {
   return true;
 }
 
-/// LASTIF counts the rows since the condition was true, REPEATIF those in which it has been true in a row. Rows 0
-/// and 1 never depend on the data, and a scalar condition is answered the other way round by REPEATIF.
+/// LASTIF counts the rows since the condition was true, REPEATIF those in which it has been true in a row.
+/// Rows 0 and 1 never depend on the data, and a scalar condition is answered the other way round by REPEATIF.
 bool runCount(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) {
   const Slots<1> slots(engine, call, 1);
   if (slots.surplus()) return reportSurplus(engine, call);
@@ -171,8 +174,8 @@ bool reference(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result
   return true;
 }
 
-/// A recursion: each row is made of an earlier row of the result and an earlier row of vector 2. The result starts
-/// as vector 1, and a row that the operator does not write keeps it.
+/// A recursion: each row is made of an earlier row of the result and an earlier row of vector 2. The result
+/// starts as vector 1, and a row that the operator does not write keeps it.
 bool loopSeries(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) {
   const Slots<5> slots(engine, call, 5);
   if (slots.surplus()) return reportSurplus(engine, call);
@@ -190,7 +193,8 @@ bool loopSeries(CScriptEngine& engine, FunctionCall& call, ScriptVariable& resul
   if (!bindOffset(engine, call, slots[2], "argument 3", first)) return false;
   if (!bindOffset(engine, call, slots[3], "argument 4", second)) return false;
   if (joinsConditions(slots[0])) {
-    return engine.ReportInvalid(call.name, "LOOP function may not contain a condition with 'AND' or 'OR' operators");
+    return engine.ReportInvalid(call.name,
+                                "LOOP function may not contain a condition with 'AND' or 'OR' operators");
   }
   const View a = one.values.view(), b = two.values.view();
   result.values = Series(a);
@@ -207,14 +211,21 @@ bool loopSeries(CScriptEngine& engine, FunctionCall& call, ScriptVariable& resul
     const std::size_t from = static_cast<std::size_t>(i - first.rows);
     const double y = b[static_cast<std::size_t>(i - second.rows)];
     switch (op) {
-      case kAdd: out[row] = out[from] + y; break;
-      case kSubtract: out[row] = out[from] - y; break;
-      case kMultiply: out[row] = out[from] * y; break;
+      case kAdd:
+        out[row] = out[from] + y;
+        break;
+      case kSubtract:
+        out[row] = out[from] - y;
+        break;
+      case kMultiply:
+        out[row] = out[from] * y;
+        break;
       case kDivide:
         // The guard looks at vector 1, while the numerator comes from the result.
         if (a[from] != 0.0 && y != 0.0) out[row] = out[from] / y;
         break;
-      default: break;
+      default:
+        break;
     }
   }
   return true;

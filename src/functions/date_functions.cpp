@@ -30,8 +30,8 @@ bool bindPart(CScriptEngine& engine, std::string_view text, int greatest, int& p
 }
 
 /// A reference to an earlier bar: a number of bars, or a series of such numbers.
-bool bindReference(CScriptEngine& engine, const FunctionCall& call, std::string_view text, std::string_view label,
-                   std::string_view what, Offset& out) {
+bool bindReference(CScriptEngine& engine, const FunctionCall& call, std::string_view text,
+                   std::string_view label, std::string_view what, Offset& out) {
   if (!bindOffset(engine, call, text, label, out)) return false;
   if (out.rows > engine.windowLength - 2) {
     return engine.ReportRaw(std::string(what) + " function reference periods outside of allowed range");
@@ -57,7 +57,8 @@ bool datePart(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result)
   for (Count i = offset.rows; i < static_cast<Count>(out.size()); ++i) {
     const std::size_t row = static_cast<std::size_t>(i);
     const Count from = i - (engine.dryRun ? offset.rows : offset.at(row));
-    out[row] = from >= 0 && from < rowsOf(dates) ? DatePartOf(dates[static_cast<std::size_t>(from)], part) : NULL_VALUE;
+    out[row] = from >= 0 && from < rowsOf(dates) ? DatePartOf(dates[static_cast<std::size_t>(from)], part)
+                                                 : NULL_VALUE;
   }
   return true;
 }
@@ -82,7 +83,8 @@ bool dateDiff(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result)
     const std::size_t row = static_cast<std::size_t>(i);
     const Count first = i - one.at(row), second = i - two.at(row);
     if (first < 0 || second < 0 || first >= rows || second >= rows) continue;
-    out[row] = DateDifference(dates[static_cast<std::size_t>(first)], dates[static_cast<std::size_t>(second)], unit);
+    out[row] =
+        DateDifference(dates[static_cast<std::size_t>(first)], dates[static_cast<std::size_t>(second)], unit);
   }
   return true;
 }

@@ -1,5 +1,5 @@
-// The dispatcher: a walk over a row of the function table that binds the arguments in the row's order of checks and
-// runs its operation.
+// The dispatcher: a walk over a row of the function table that binds the arguments in the row's order of
+// checks and runs its operation.
 
 #include "functions/argument_binding.hpp"
 #include "functions/function_table.hpp"
@@ -54,9 +54,12 @@ class RowWalk {
         const std::string_view complaint = CheckNotNegative(text);
         return complaint.empty() || engine_.ReportFunction(name_, complaint);
       }
-      case Check::kWhole: return slot.kind != SlotKind::kWhole || checkWhole(text);
-      case Check::kBind: return bindSlot(slot, text, i);
-      case Check::kSurplus: break;
+      case Check::kWhole:
+        return slot.kind != SlotKind::kWhole || checkWhole(text);
+      case Check::kBind:
+        return bindSlot(slot, text, i);
+      case Check::kSurplus:
+        break;
     }
     return true;
   }
@@ -76,11 +79,17 @@ class RowWalk {
       return true;
     }
     switch (slot.kind) {
-      case SlotKind::kIgnored: return true;
-      case SlotKind::kSeries: return bindSeries(slot, text, i);
+      case SlotKind::kIgnored:
+        return true;
+      case SlotKind::kSeries:
+        return bindSeries(slot, text, i);
       case SlotKind::kWhole:
-      case SlotKind::kInteger: number = parseInt32(text); break;
-      case SlotKind::kLiteral: number = parseDouble(text); break;
+      case SlotKind::kInteger:
+        number = parseInt32(text);
+        break;
+      case SlotKind::kLiteral:
+        number = parseDouble(text);
+        break;
       case SlotKind::kNumber:
       case SlotKind::kBarsNumber:
       case SlotKind::kMaType:
@@ -120,10 +129,14 @@ class RowWalk {
 
   bool report(const Report& what) {
     switch (what.kind) {
-      case ReportKind::kRequired: return engine_.ReportRequired(name_, what.text);
-      case ReportKind::kInvalid: return engine_.ReportInvalid(name_, what.text);
-      case ReportKind::kFunction: return engine_.ReportFunction(name_, what.text);
-      case ReportKind::kNone: break;
+      case ReportKind::kRequired:
+        return engine_.ReportRequired(name_, what.text);
+      case ReportKind::kInvalid:
+        return engine_.ReportInvalid(name_, what.text);
+      case ReportKind::kFunction:
+        return engine_.ReportFunction(name_, what.text);
+      case ReportKind::kNone:
+        break;
     }
     return false;
   }

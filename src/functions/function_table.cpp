@@ -32,11 +32,12 @@ namespace brindlewort {
 
 namespace {
 
-using namespace slots;      // the words that rows are written in
-using namespace handlers;   // outputs of the families
+using namespace slots;     // the words that rows are written in
+using namespace handlers;  // outputs of the families
 using A = const Arguments&;
 
-// ---- Operations whose arguments are not simply the slots in order ---------------------------------------------
+// ---- Operations whose arguments are not simply the slots in order
+// ---------------------------------------------
 
 template <void (*kernel)(View, View, Out)>
 bool withVolume(A a, Out out) {
@@ -108,42 +109,73 @@ template <IchimokuLine line>
 bool ichimoku(A a, Out out) {
   const Count p = a.period(0);
   switch (line) {
-    case IchimokuLine::kTenkan: CFeedkit::Ichimoku(a.prices, p, 0, 0, 0, line, out); break;
-    case IchimokuLine::kKijun: CFeedkit::Ichimoku(a.prices, 0, p, 0, 0, line, out); break;
-    case IchimokuLine::kSpanA: CFeedkit::Ichimoku(a.prices, p, a.period(1), a.period(2), 0, line, out); break;
-    default: CFeedkit::Ichimoku(a.prices, 0, 0, 0, p, line, out); break;
+    case IchimokuLine::kTenkan:
+      CFeedkit::Ichimoku(a.prices, p, 0, 0, 0, line, out);
+      break;
+    case IchimokuLine::kKijun:
+      CFeedkit::Ichimoku(a.prices, 0, p, 0, 0, line, out);
+      break;
+    case IchimokuLine::kSpanA:
+      CFeedkit::Ichimoku(a.prices, p, a.period(1), a.period(2), 0, line, out);
+      break;
+    default:
+      CFeedkit::Ichimoku(a.prices, 0, 0, 0, p, line, out);
+      break;
   }
   return true;
 }
 
-double correlation(A a) { return CFeedkit::CORRELATIONANALYSIS(a.view(0), a.view(1)); }
+double correlation(A a) {
+  return CFeedkit::CORRELATIONANALYSIS(a.view(0), a.view(1));
+}
 
-constexpr int id(Band band) { return static_cast<int>(band); }
-constexpr int id(AroonLine line) { return static_cast<int>(line); }
-constexpr int id(DirectionalLine line) { return static_cast<int>(line); }
-constexpr int id(MacdLine line) { return static_cast<int>(line); }
-constexpr int id(PivotLevel level) { return static_cast<int>(level); }
-constexpr int id(PointFigureLine line) { return static_cast<int>(line); }
-constexpr int id(RegressionLine line) { return static_cast<int>(line); }
-constexpr int id(SwingLine line) { return static_cast<int>(line); }
+constexpr int id(Band band) {
+  return static_cast<int>(band);
+}
+constexpr int id(AroonLine line) {
+  return static_cast<int>(line);
+}
+constexpr int id(DirectionalLine line) {
+  return static_cast<int>(line);
+}
+constexpr int id(MacdLine line) {
+  return static_cast<int>(line);
+}
+constexpr int id(PivotLevel level) {
+  return static_cast<int>(level);
+}
+constexpr int id(PointFigureLine line) {
+  return static_cast<int>(line);
+}
+constexpr int id(RegressionLine line) {
+  return static_cast<int>(line);
+}
+constexpr int id(SwingLine line) {
+  return static_cast<int>(line);
+}
 
-// ---- The table ------------------------------------------------------------------------------------------------
+// ---- The table
+// ------------------------------------------------------------------------------------------------
 
 std::vector<FunctionRow> makeTable() {
   using namespace CFeedkit;
   // What a wrong count reports; all other rows report "Number of" as an invalid argument.
   const Report kCountNotValid = function("Number of argument not valid");
   const Report kNumberOf = function("Number of");
-  const CheckOrder kEmptyFirst = {Check::kEmpty, Check::kSurplus, Check::kNegative, Check::kWhole, Check::kBind};
-  const CheckOrder kNegativeFirst = {Check::kSurplus, Check::kNegative, Check::kEmpty, Check::kWhole, Check::kBind};
-  const std::vector<Slot> kMacdSlots = {
-      whole("short cycle periods", 1).outside(invalid("shortCycle")),
-      whole("long cycle periods", 1).outside(invalid("longCycle")),
-      whole("signal periods", 1).outside(invalid("signalPeriods")), maType()};
+  const CheckOrder kEmptyFirst = {Check::kEmpty, Check::kSurplus, Check::kNegative, Check::kWhole,
+                                  Check::kBind};
+  const CheckOrder kNegativeFirst = {Check::kSurplus, Check::kNegative, Check::kEmpty, Check::kWhole,
+                                     Check::kBind};
+  const std::vector<Slot> kMacdSlots = {whole("short cycle periods", 1).outside(invalid("shortCycle")),
+                                        whole("long cycle periods", 1).outside(invalid("longCycle")),
+                                        whole("signal periods", 1).outside(invalid("signalPeriods")),
+                                        maType()};
   const std::vector<Slot> kPointFigureSlots = {
-      series(), literal("box size", 0.005, 99999.9999).empty(required("BoxSize")).outside(function("BoxSize")),
+      series(),
+      literal("box size", 0.005, 99999.9999).empty(required("BoxSize")).outside(function("BoxSize")),
       whole("reversal", 1, 99).empty(required("ReversalSize")).outside(function("ReversalSize"))};
 
+  // clang-format off
   return {
       // -- conditions, loops, references --
       {.names = {{"IF"}}, .slots = {any("condition"), any("true part"), any("false part")},
@@ -424,6 +456,7 @@ std::vector<FunctionRow> makeTable() {
       {.names = {{"CHIKOU"}}, .slots = {ichimokuPeriod("ChikouPeriods")}, .operation = "Ichimoku",
        .path = Path::kIncremental, .surplus = kNumberOf},
   };
+  // clang-format on
 }
 
 using Index = std::unordered_map<std::string_view, FoundFunction>;

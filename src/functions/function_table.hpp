@@ -18,7 +18,8 @@ class CScriptEngine;
 /// argument slot may hold, in which order the slots are checked, how each failure is reported, and which
 /// operation computes the result. The dispatcher is a walk over a row.
 
-// ---- Reports ------------------------------------------------------------------------------------------------
+// ---- Reports
+// ------------------------------------------------------------------------------------------------
 
 /// Which sentence a report is put into.
 enum class ReportKind : std::uint8_t {
@@ -33,7 +34,8 @@ struct Report {
   std::string_view text;
 };
 
-// ---- Slots --------------------------------------------------------------------------------------------------
+// ---- Slots
+// --------------------------------------------------------------------------------------------------
 
 enum class SlotKind : std::uint8_t {
   kSeries,      ///< a series, or a number as a series of it
@@ -52,18 +54,18 @@ inline constexpr double kNoLimit = std::numeric_limits<double>::max();
 
 struct Slot {
   SlotKind kind = SlotKind::kIgnored;
-  std::string_view name;              ///< as messages and the reference page write it
-  double low = -kNoLimit;             ///< lower limit, included
-  double high = kNoLimit;             ///< upper limit, included
-  bool exclusive = false;             ///< the limits themselves are refused
-  bool optional = false;              ///< may be empty without a report; the number is then `fallback`
-  bool mayBeNegative = false;         ///< no test for a negative literal
-  bool numberOnly = false;            ///< kMaType: the word VIDYA is not read as a type
-  Report whenEmpty;                   ///< tested before any other slot check
-  Report whenOutside;                 ///< of the range
-  Report whenUnusable;                ///< no series, or no number
-  std::string_view defaultSeries;     ///< kSeries: taken when the argument is no series
-  double fallback = 0.0;              ///< number taken when the argument is none and nothing is reported
+  std::string_view name;           ///< as messages and the reference page write it
+  double low = -kNoLimit;          ///< lower limit, included
+  double high = kNoLimit;          ///< upper limit, included
+  bool exclusive = false;          ///< the limits themselves are refused
+  bool optional = false;           ///< may be empty without a report; the number is then `fallback`
+  bool mayBeNegative = false;      ///< no test for a negative literal
+  bool numberOnly = false;         ///< kMaType: the word VIDYA is not read as a type
+  Report whenEmpty;                ///< tested before any other slot check
+  Report whenOutside;              ///< of the range
+  Report whenUnusable;             ///< no series, or no number
+  std::string_view defaultSeries;  ///< kSeries: taken when the argument is no series
+  double fallback = 0.0;           ///< number taken when the argument is none and nothing is reported
 };
 
 /// The order of the checks of a row. Within a step the slots are looked at from the first to the last.
@@ -72,7 +74,8 @@ using CheckOrder = std::array<Check, 5>;
 inline constexpr CheckOrder kUsualOrder = {Check::kSurplus, Check::kEmpty, Check::kNegative, Check::kWhole,
                                            Check::kBind};
 
-// ---- Operations ---------------------------------------------------------------------------------------------
+// ---- Operations
+// ---------------------------------------------------------------------------------------------
 
 inline constexpr std::size_t kMaxSlots = 9;
 
@@ -105,7 +108,8 @@ struct FunctionCall {
 /// A handler of its own, for a function that no row of slots describes. False when it has reported.
 using Handler = bool (*)(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result);
 
-// ---- Rows ---------------------------------------------------------------------------------------------------
+// ---- Rows
+// ---------------------------------------------------------------------------------------------------
 
 enum class Path : std::uint8_t { kBoth, kWholeHistory, kIncremental };
 
@@ -125,8 +129,8 @@ struct FunctionRow {
   int required = 1;  ///< arguments below this count are reported while splitting
   Report surplus = {ReportKind::kInvalid, "Number of"};  ///< its kind is that of a decimal's report too
   CheckOrder order = kUsualOrder;
-  bool noArguments = false;            ///< anything in the brackets is reported
-  bool argumentsIgnored = false;       ///< what stands in the brackets is not looked at
+  bool noArguments = false;                 ///< anything in the brackets is reported
+  bool argumentsIgnored = false;            ///< what stands in the brackets is not looked at
   std::vector<Slot> incrementalSlots = {};  ///< where the incremental way's slots differ
 };
 

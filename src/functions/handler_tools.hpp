@@ -70,6 +70,8 @@ inline bool bindOffset(CScriptEngine& engine, const FunctionCall& call, std::str
   return true;
 }
 
-inline std::size_t rowsOfRun(const CScriptEngine& engine) { return static_cast<std::size_t>(engine.windowLength); }
+inline std::size_t rowsOfRun(const CScriptEngine& engine) {
+  return static_cast<std::size_t>(engine.windowLength);
+}
 
 }  // namespace brindlewort::handlers

@@ -6,14 +6,15 @@
 
 #include "functions/function_table.hpp"
 
-/// Makes a table operation out of a kernel by the kernel's own parameter list: series, periods and numbers are
-/// taken from the slots in their order, an enumeration from the name's output, and prices from the run.
+/// Makes a table operation out of a kernel by the kernel's own parameter list: series, periods and numbers
+/// are taken from the slots in their order, an enumeration from the name's output, and prices from the run.
 namespace brindlewort {
 
 namespace adapter {
 
 template <class T>
-inline constexpr bool takesSlot = std::is_same_v<T, View> || std::is_same_v<T, Count> || std::is_same_v<T, double>;
+inline constexpr bool takesSlot =
+    std::is_same_v<T, View> || std::is_same_v<T, Count> || std::is_same_v<T, double>;
 
 template <class T>
 decltype(auto) argument(const Arguments& arguments, std::size_t slot, Out out) {
@@ -28,7 +29,8 @@ decltype(auto) argument(const Arguments& arguments, std::size_t slot, Out out) {
   } else if constexpr (std::is_same_v<T, Out>) {
     return Out(out);
   } else {
-    static_assert(std::is_enum_v<T>, "a kernel takes series, periods, numbers, prices and an output selector");
+    static_assert(std::is_enum_v<T>,
+                  "a kernel takes series, periods, numbers, prices and an output selector");
     return static_cast<T>(arguments.output);
   }
 }

@@ -62,7 +62,8 @@ class CScriptEngine {
   bool GetVector(std::string_view text, ScriptVariable& out);
   /// A number from an argument. With `barsCheck` a number above `windowLength`, with `typeCheck` one that is
   /// not strictly between 0 and 9, is reported. False, without a report, for a text that is no number.
-  bool GetNumber(std::string_view function, std::string_view text, double& out, bool barsCheck, bool typeCheck);
+  bool GetNumber(std::string_view function, std::string_view text, double& out, bool barsCheck,
+                 bool typeCheck);
 
   // Reports keep the first error and return false, the answer of a failed call.
   bool ReportRequired(std::string_view function, std::string_view label);
@@ -82,26 +83,24 @@ class CScriptEngine {
 
   // ---- State. Names are those that messages and other components speak of. ----
   bool dryRun = false;
-  bool wholeHistory = false;   ///< true during a run: series cover all bars
-  VariableStore variables;     ///< price variables, SET variables, every remembered expression and call
-  VariableStore constants;     ///< named constants
-  std::string errorText;       ///< first error of the run; non-empty stops the evaluator
-  std::string functionContext; ///< reserved
-  std::string currentFunction; ///< the function last called; used in messages
+  bool wholeHistory = false;    ///< true during a run: series cover all bars
+  VariableStore variables;      ///< price variables, SET variables, every remembered expression and call
+  VariableStore constants;      ///< named constants
+  std::string errorText;        ///< first error of the run; non-empty stops the evaluator
+  std::string currentFunction;  ///< the function last called; used in messages
   std::string exchange, sector, industry, symbol;  ///< values of the SET statements of these names
   std::int32_t windowLength = 0;                   ///< first the lookback, then the rows of all series
   std::vector<Field> fields;                       ///< "D", "O", "H", "L", "C", "V" of the run
   RunBars bars;
-  std::string outputSummary;   ///< name and value pairs of the last output, for the host's diagnostics
+  std::string outputSummary;  ///< name and value pairs of the last output, for the host's diagnostics
   std::uint32_t startTicks = 0;
   std::vector<std::string> outputNames;  ///< names of the series to be printed, in order of making
-  bool inSetStatement = false;
-  bool paddedData = false;     ///< the run uses made-up bars
-  std::string abortMark;       ///< function that caused the error, or "timeout" after a fatal limit
-  std::int32_t candleOutputId = 0;   ///< set while an output is asked of a script with CSP
-  std::int32_t candlePattern = -1;   ///< the pattern named in "CSP() = ...", -1 for none
-  bool eventListMode = false;        ///< the output is the list of event rows
-  ScriptVariable result;             ///< of the last main expression
+  bool paddedData = false;               ///< the run uses made-up bars
+  std::string abortMark;                 ///< function that caused the error, or "timeout" after a fatal limit
+  std::int32_t candleOutputId = 0;       ///< set while an output is asked of a script with CSP
+  std::int32_t candlePattern = -1;       ///< the pattern named in "CSP() = ...", -1 for none
+  bool eventListMode = false;            ///< the output is the list of event rows
+  ScriptVariable result;                 ///< of the last main expression
 
  private:
   ScriptVariable EvaluateTerm(std::string_view text, std::size_t& position);
@@ -111,14 +110,15 @@ class CScriptEngine {
   std::string evaluateArguments(std::string_view inner);
   ScriptVariable FindSeries(std::string_view name, std::string_view extra) const;
   void resolvePattern();
-  void evaluateStatements(const std::vector<std::string>& sets, const std::string& main, std::string& resultText);
+  void evaluateStatements(const std::vector<std::string>& sets, const std::string& main,
+                          std::string& resultText);
   void readSourceStatements(std::string& script);
 
-  std::string scriptText_;           ///< the script as handed to the driver: upper-cased, without comments
-  std::vector<Bar> madeUpBars_;      ///< of a dry run with too few bars
+  std::string scriptText_;       ///< the script as handed to the driver: upper-cased, without comments
+  std::vector<Bar> madeUpBars_;  ///< of a dry run with too few bars
   Series zeros_;
-  int depth_ = 0;                    ///< evaluations inside one another
-  std::uint64_t rowsHeld_ = 0;       ///< rows of all entries that this run has made
+  int depth_ = 0;               ///< evaluations inside one another
+  std::uint64_t rowsHeld_ = 0;  ///< rows of all entries that this run has made
   bool aborted_ = false;
 };
 

@@ -4,18 +4,30 @@
 
 #include "functions/function_table.hpp"
 
-/// The words that rows of the function table are written in. A word makes a slot with the usual reports, and the
-/// words behind it change what is unusual.
+/// The words that rows of the function table are written in. A word makes a slot with the usual reports, and
+/// the words behind it change what is unusual.
 namespace brindlewort::slots {
 
-constexpr Report required(std::string_view label) { return {ReportKind::kRequired, label}; }
-constexpr Report invalid(std::string_view label) { return {ReportKind::kInvalid, label}; }
-constexpr Report function(std::string_view text) { return {ReportKind::kFunction, text}; }
+constexpr Report required(std::string_view label) {
+  return {ReportKind::kRequired, label};
+}
+constexpr Report invalid(std::string_view label) {
+  return {ReportKind::kInvalid, label};
+}
+constexpr Report function(std::string_view text) {
+  return {ReportKind::kFunction, text};
+}
 
 struct SlotWord : Slot {
-  constexpr SlotWord empty(Report report) const { return with([&](SlotWord& s) { s.whenEmpty = report; }); }
-  constexpr SlotWord outside(Report report) const { return with([&](SlotWord& s) { s.whenOutside = report; }); }
-  constexpr SlotWord unusable(Report report) const { return with([&](SlotWord& s) { s.whenUnusable = report; }); }
+  constexpr SlotWord empty(Report report) const {
+    return with([&](SlotWord& s) { s.whenEmpty = report; });
+  }
+  constexpr SlotWord outside(Report report) const {
+    return with([&](SlotWord& s) { s.whenOutside = report; });
+  }
+  constexpr SlotWord unusable(Report report) const {
+    return with([&](SlotWord& s) { s.whenUnusable = report; });
+  }
   /// One report for an empty slot and one out of range.
   constexpr SlotWord reports(Report report) const { return empty(report).outside(report); }
   /// No report for a missing number: this one is taken.
@@ -27,9 +39,13 @@ struct SlotWord : Slot {
     });
   }
   /// No test for a negative literal.
-  constexpr SlotWord negative() const { return with([](SlotWord& s) { s.mayBeNegative = true; }); }
+  constexpr SlotWord negative() const {
+    return with([](SlotWord& s) { s.mayBeNegative = true; });
+  }
   /// The limits themselves are refused.
-  constexpr SlotWord open() const { return with([](SlotWord& s) { s.exclusive = true; }); }
+  constexpr SlotWord open() const {
+    return with([](SlotWord& s) { s.exclusive = true; });
+  }
 
  private:
   template <class Change>
@@ -65,7 +81,9 @@ constexpr SlotWord ranged(SlotWord s, double low, double high) {
   return s.empty(required(s.name)).outside(invalid(s.name));
 }
 /// An integer without a range of its own, or with one up to the number of bars or another limit.
-constexpr SlotWord whole(std::string_view name) { return ranged(slot(SlotKind::kWhole, name), -kNoLimit, kNoLimit); }
+constexpr SlotWord whole(std::string_view name) {
+  return ranged(slot(SlotKind::kWhole, name), -kNoLimit, kNoLimit);
+}
 constexpr SlotWord whole(std::string_view name, double low, double high = kBars) {
   return ranged(slot(SlotKind::kWhole, name), low, high);
 }
@@ -74,7 +92,9 @@ constexpr SlotWord integer(std::string_view name, double low, double high = kBar
   return ranged(slot(SlotKind::kInteger, name), low, high);
 }
 
-constexpr SlotWord number(std::string_view name) { return slot(SlotKind::kNumber, name).unusable(required(name)); }
+constexpr SlotWord number(std::string_view name) {
+  return slot(SlotKind::kNumber, name).unusable(required(name));
+}
 constexpr SlotWord number(std::string_view name, double low, double high) {
   SlotWord s = number(name);
   s.low = low;
@@ -96,7 +116,9 @@ constexpr SlotWord literal(std::string_view name, double low, double high) {
 }
 
 /// A slot that a handler of its own binds; for the reference page.
-constexpr SlotWord any(std::string_view name) { return slot(SlotKind::kSeries, name); }
+constexpr SlotWord any(std::string_view name) {
+  return slot(SlotKind::kSeries, name);
+}
 /// The same, and it may be left out.
 constexpr SlotWord more(std::string_view name) {
   SlotWord s = any(name);
@@ -104,7 +126,9 @@ constexpr SlotWord more(std::string_view name) {
   return s;
 }
 /// Accepted and not looked at.
-constexpr SlotWord ignored() { return slot(SlotKind::kIgnored, "ignored").negative(); }
+constexpr SlotWord ignored() {
+  return slot(SlotKind::kIgnored, "ignored").negative();
+}
 
 constexpr SlotWord ichimokuPeriod(std::string_view name) {
   return whole(name, 2).outside(function("value should be between 2 to 9999"));
@@ -116,8 +140,8 @@ inline std::vector<Slot> stochasticSlots() {
           whole("%D periods", 2).outside(invalid("%d periods")), maType()};
 }
 
-/// The third period is tested for emptiness and decimals alone: the range marked as its own is made on the second
-/// period's value.
+/// The third period is tested for emptiness and decimals alone: the range marked as its own is made on the
+/// second period's value.
 inline std::vector<Slot> stochasticMomentumSlots(bool incremental) {
   SlotWord dType = maType("%D moving average type");
   dType.numberOnly = !incremental;

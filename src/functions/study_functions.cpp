@@ -9,11 +9,13 @@
 
 namespace brindlewort::handlers {
 
-/// The level of a chosen swing top or bottom. The number of the swing may be a series, whose last value counts.
+/// The level of a chosen swing top or bottom. The number of the swing may be a series, whose last value
+/// counts.
 bool swingLevel(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) {
   constexpr std::string_view kCount = "Number of arguments not valid";
   const Slots<2> slots(engine, call, 1);
-  if (slots.surplus() || slots[0].empty() || slots[1].empty()) return engine.ReportFunction(call.name, kCount);
+  if (slots.surplus() || slots[0].empty() || slots[1].empty())
+    return engine.ReportFunction(call.name, kCount);
   if (!notNegative(engine, call, slots)) return false;
   const double range = parseDouble(slots[0]);
   if (!(range >= 0.0 && range <= 99.99)) {
@@ -25,7 +27,8 @@ bool swingLevel(CScriptEngine& engine, FunctionCall& call, ScriptVariable& resul
     if (!bindSeries(engine, call, slots[1], "argument 1", series)) return false;
     number = std::fabs(series.value);
   }
-  if (!(number >= 0.0 && number <= 10.0)) return engine.ReportFunction(call.name, "value should be between 0-10");
+  if (!(number >= 0.0 && number <= 10.0))
+    return engine.ReportFunction(call.name, "value should be between 0-10");
   double percent = 0.0;
   if (!engine.GetNumber(call.name, slots[0], percent, false, false)) {
     return engine.ReportRequired(call.name, "swing percent");
@@ -38,7 +41,8 @@ bool swingLevel(CScriptEngine& engine, FunctionCall& call, ScriptVariable& resul
   return true;
 }
 
-/// A flag per row while an output is asked of the script; otherwise the type of the newest candle, without rows.
+/// A flag per row while an output is asked of the script; otherwise the type of the newest candle, without
+/// rows.
 bool candlestickPattern(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) {
   if (!engine.NthArgument(call.argumentText, 1, 1).empty()) {
     return engine.ReportRaw("Inputs are not allowed for  " + std::string(call.name));

@@ -10,7 +10,8 @@ namespace brindlewort {
 namespace {
 
 bool same(const KeyPart& a, const KeyPart& b) {
-  return a.kind == b.kind && a.text == b.text && (a.number == b.number || (a.number != a.number && b.number != b.number));
+  return a.kind == b.kind && a.text == b.text &&
+         (a.number == b.number || (a.number != a.number && b.number != b.number));
 }
 
 }  // namespace
@@ -30,9 +31,15 @@ std::string parameterText(std::initializer_list<KeyPart> parts) {
   for (const KeyPart& part : parts) {
     if (!text.empty()) text += ',';
     switch (part.kind) {
-      case KeyPart::kText: text += part.text; break;
-      case KeyPart::kNumber: appendFixed(text, part.number, 20); break;
-      case KeyPart::kMaType: text += maTypeName(toInt64(part.number)); break;
+      case KeyPart::kText:
+        text += part.text;
+        break;
+      case KeyPart::kNumber:
+        appendFixed(text, part.number, 20);
+        break;
+      case KeyPart::kMaType:
+        text += maTypeName(toInt64(part.number));
+        break;
     }
   }
   return text;
@@ -49,8 +56,8 @@ std::int32_t TransientStore::getTransientField(std::string_view name, std::strin
     return static_cast<std::int32_t>(at);
   }
   if (variables_.full()) return -1;
-  return static_cast<std::int32_t>(
-      variables_.append({std::move(key), NULL_VALUE, Series(size ? size : rows_, NULL_VALUE), -1, kComputedVariable}));
+  return static_cast<std::int32_t>(variables_.append(
+      {std::move(key), NULL_VALUE, Series(size ? size : rows_, NULL_VALUE), -1, kComputedVariable}));
 }
 
 WorkField TransientStore::field(std::string_view name, std::initializer_list<KeyPart> parts) {
@@ -61,7 +68,8 @@ WorkField TransientStore::field(std::string_view name, std::initializer_list<Key
     entry = getTransientField(name, parameterText(parts), true, 0);
     if (entry >= 0) remember(name, parts, entry);
   }
-  if (entry < 0) spare_.push_back({std::string(name), NULL_VALUE, Series(rows_, NULL_VALUE), -1, kComputedVariable});
+  if (entry < 0)
+    spare_.push_back({std::string(name), NULL_VALUE, Series(rows_, NULL_VALUE), -1, kComputedVariable});
   ScriptVariable& variable = entry >= 0 ? variables_[static_cast<std::size_t>(entry)] : spare_.back();
   return {variable.values.edit(), &variable.slot, variable.name};
 }
@@ -74,14 +82,16 @@ void TransientStore::forget() {
 const TransientStore::Known* TransientStore::recall(std::string_view name,
                                                     std::initializer_list<KeyPart> parts) const {
   for (const Known& known : known_) {
-    if (known.name == name && std::equal(known.parts.begin(), known.parts.end(), parts.begin(), parts.end(), same)) {
+    if (known.name == name &&
+        std::equal(known.parts.begin(), known.parts.end(), parts.begin(), parts.end(), same)) {
       return &known;
     }
   }
   return nullptr;
 }
 
-void TransientStore::remember(std::string_view name, std::initializer_list<KeyPart> parts, std::int32_t entry) {
+void TransientStore::remember(std::string_view name, std::initializer_list<KeyPart> parts,
+                              std::int32_t entry) {
   Known& known = known_.emplace_back(Known{std::string(name), parts, {}, entry});
   known.texts.reserve(known.parts.size());
   for (KeyPart& part : known.parts) {

@@ -11,22 +11,24 @@
 
 namespace brindlewort {
 
-/// Brings the blanks of a key to one form, in place: none beside brackets, commas and equal signs. A number in brackets
-/// becomes the bare number, so that "(14)" and "14" are one key.
+/// Brings the blanks of a key to one form, in place: none beside brackets, commas and equal signs. A number
+/// in brackets becomes the bare number, so that "(14)" and "14" are one key.
 void NormalizeKey(std::string& text);
 
-/// The work series of resumable indicators. They live among the engine's variables, each under the text of a call
-/// with its parameters, so that every distinct list of parameters has a series of its own and resumes where it
-/// stopped. The variables must have room reserved: entries must not move while an operation holds them. Past the
-/// reserve a spare series is handed out, which lives no longer than this object, and exhausted() tells.
+/// The work series of resumable indicators. They live among the engine's variables, each under the text of a
+/// call with its parameters, so that every distinct list of parameters has a series of its own and resumes
+/// where it stopped. The variables must have room reserved: entries must not move while an operation holds
+/// them. Past the reserve a spare series is handed out, which lives no longer than this object, and
+/// exhausted() tells.
 class TransientStore : public WorkStore {
  public:
   /// Over the variables of an engine whose series have `rows` rows.
-  explicit TransientStore(VariableStore& variables, std::size_t rows = 0) : variables_(variables), rows_(rows) {}
+  explicit TransientStore(VariableStore& variables, std::size_t rows = 0)
+      : variables_(variables), rows_(rows) {}
 
-  /// The number of the entry in the variables, made when it is absent with `size` null rows (0: as many as the run
-  /// has) and slot -1. With `appendParameters` the key is the call text of name and parameters, else the name
-  /// alone, as for "HIGH" or "VOLUME". -1 when it is absent and no room is left.
+  /// The number of the entry in the variables, made when it is absent with `size` null rows (0: as many as
+  /// the run has) and slot -1. With `appendParameters` the key is the call text of name and parameters, else
+  /// the name alone, as for "HIGH" or "VOLUME". -1 when it is absent and no room is left.
   std::int32_t getTransientField(std::string_view name, std::string_view parameterText, bool appendParameters,
                                  std::size_t size);
 
@@ -56,7 +58,8 @@ class TransientStore : public WorkStore {
   std::deque<ScriptVariable> spare_;
 };
 
-/// The parts of a key as a text: joined with ",", numbers with 20 decimals, moving average types by their words.
+/// The parts of a key as a text: joined with ",", numbers with 20 decimals, moving average types by their
+/// words.
 std::string parameterText(std::initializer_list<KeyPart> parts);
 
 }  // namespace brindlewort

@@ -53,7 +53,8 @@ void VariableStore::setPending(std::size_t i, bool pending) {
 
 std::ptrdiff_t VariableStore::findDone(std::string_view name) const {
   const std::ptrdiff_t i = find(name);
-  if (i == kNotFound || std::find(pending_.begin(), pending_.end(), static_cast<std::size_t>(i)) == pending_.end()) {
+  if (i == kNotFound ||
+      std::find(pending_.begin(), pending_.end(), static_cast<std::size_t>(i)) == pending_.end()) {
     return i;
   }
   return scan(name, false);

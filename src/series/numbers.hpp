@@ -15,7 +15,9 @@ inline std::int64_t toInt64(double x) {
 }
 
 /// |x|, formed wider than its argument so that it is never negative.
-inline std::int64_t magnitude(std::int32_t x) { return x < 0 ? -static_cast<std::int64_t>(x) : x; }
+inline std::int64_t magnitude(std::int32_t x) {
+  return x < 0 ? -static_cast<std::int64_t>(x) : x;
+}
 
 /// A value as all comparisons of the language see it: trunc((x + 1e-10) * 10000) for a positive x,
 /// trunc((x - 1e-10) * 10000) for a negative one, as a 64-bit integer. Two values that differ by less

@@ -19,7 +19,9 @@ class RunBars {
 
   std::size_t size() const { return fillers_ + bars_.size(); }
   bool empty() const { return size() == 0; }
-  const Bar& operator[](std::size_t row) const { return row < fillers_ ? front_[row] : bars_[row - fillers_]; }
+  const Bar& operator[](std::size_t row) const {
+    return row < fillers_ ? front_[row] : bars_[row - fillers_];
+  }
 
  private:
   std::array<Bar, 2> front_{};

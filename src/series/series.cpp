@@ -21,8 +21,12 @@ constexpr std::align_val_t kAlignment{32};
 
 }  // namespace
 
-SeriesPool::Scope::Scope(SeriesPool& pool) : outer_(presentPool) { presentPool = &pool; }
-SeriesPool::Scope::~Scope() { presentPool = outer_; }
+SeriesPool::Scope::Scope(SeriesPool& pool) : outer_(presentPool) {
+  presentPool = &pool;
+}
+SeriesPool::Scope::~Scope() {
+  presentPool = outer_;
+}
 
 void SeriesPool::trim() {
   for (const Kept& kept : kept_) ::operator delete(kept.memory, kAlignment);

@@ -11,9 +11,9 @@ using View = std::span<const double>;
 /// Write access to the rows of a series.
 using Out = std::span<double>;
 
-/// Keeps the buffers of large series that are no longer needed for those that are made next: fresh memory costs a
-/// page fault every few hundred rows. Buffers come and go through it while a Scope of it is alive on the
-/// thread; the pool must outlive the scope, not the series.
+/// Keeps the buffers of large series that are no longer needed for those that are made next: fresh memory
+/// costs a page fault every few hundred rows. Buffers come and go through it while a Scope of it is alive on
+/// the thread; the pool must outlive the scope, not the series.
 class SeriesPool {
  public:
   SeriesPool() = default;

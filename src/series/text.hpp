@@ -7,7 +7,9 @@
 namespace brindlewort {
 
 /// Blank, tab, carriage return, line feed, vertical tab, form feed.
-inline bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+inline bool isWhiteSpace(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 /// Without the white space at both ends.
 std::string_view trim(std::string_view text);

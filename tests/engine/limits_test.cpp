@@ -52,20 +52,23 @@ TEST(Limits, AnAbortedRunKeepsItsTextWhateverTheOuterCallsReport) {
 
 TEST(Limits, CommasAlone) {
   EXPECT_TRUE(RunOf(repeated(",", 63'999)).text.starts_with("Error: Undefined variable"));
-  EXPECT_EQ(RunOf("SMA(" + repeated(",", 60'000) + ")").text, "Error: 'periods' argument of 'SMA' not optional.");
+  EXPECT_EQ(RunOf("SMA(" + repeated(",", 60'000) + ")").text,
+            "Error: 'periods' argument of 'SMA' not optional.");
   EXPECT_EQ(RunOf(repeated(",", 100'000)).text, "Error: Script too large");
 }
 
 TEST(Limits, ManyArgumentsAreReadOnce) {
   // The numbers are no periods above 9,999; the eleventh argument is never looked at.
-  EXPECT_EQ(RunOf("MAXOF(" + repeated("10000,", 10'000) + "1)").text, "Error: 'Number of' argument of 'MAXOF' is invalid.");
+  EXPECT_EQ(RunOf("MAXOF(" + repeated("10000,", 10'000) + "1)").text,
+            "Error: 'Number of' argument of 'MAXOF' is invalid.");
 }
 
 TEST(Limits, EveryByteValueIsText) {
   for (int byte = 0; byte < 256; ++byte) {
     const std::string script = "CLOSE > " + std::string(3, static_cast<char>(byte)) + "SMA(CLOSE, 3)";
     const RunOf run(script);
-    EXPECT_TRUE(run.text.empty() || run.text == "ALERT" || run.text.starts_with("Error: ")) << byte << " " << run.text;
+    EXPECT_TRUE(run.text.empty() || run.text == "ALERT" || run.text.starts_with("Error: "))
+        << byte << " " << run.text;
   }
   std::string all;
   for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
@@ -80,17 +83,19 @@ TEST(Limits, FewBars) {
 TEST(Limits, PricesThatAreNoNumbers) {
   for (double price : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
                        -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::max()}) {
-    const std::string text = RunOf("SET A = SMA(CLOSE, 5)\r\nSET B = PNO(CLOSE)\r\nRSI(CLOSE, 5) > A + B", bars(60, price)).text;
+    const std::string text =
+        RunOf("SET A = SMA(CLOSE, 5)\r\nSET B = PNO(CLOSE)\r\nRSI(CLOSE, 5) > A + B", bars(60, price)).text;
     EXPECT_TRUE(text.empty() || text == "ALERT") << text;
   }
 }
 
 TEST(Limits, TheStoreTakesFiveHundredAndOneNames) {
-  // Five price variables; each SET statement makes two entries: its expression and its name. The literal's own
-  // entry is shared. So the store passes 500 within the 248th statement.
+  // Five price variables; each SET statement makes two entries: its expression and its name. The literal's
+  // own entry is shared. So the store passes 500 within the 248th statement.
   const auto script = [](int statements) {
     std::string text;
-    for (int i = 0; i < statements; ++i) text += "SET A" + std::to_string(i) + " = " + std::to_string(i) + ".5\r\n";
+    for (int i = 0; i < statements; ++i)
+      text += "SET A" + std::to_string(i) + " = " + std::to_string(i) + ".5\r\n";
     return text + "1";
   };
   EXPECT_EQ(RunOf(script(100)).text, "ALERT");

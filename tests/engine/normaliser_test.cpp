@@ -9,14 +9,14 @@
 namespace brindlewort {
 namespace {
 
-std::string normalised(const std::string& text) { return CScriptEngine::NormalizeScript(text); }
+std::string normalised(const std::string& text) {
+  return CScriptEngine::NormalizeScript(text);
+}
 
 TEST(Normaliser, GroupsTypicalInputs) {
   const std::vector<std::pair<std::string, std::string>> effects = {
-      {"CLOSE > OPEN", "(CLOSE) > (OPEN)"},
-      {"A > B AND C < D", "((A) > (B)) AND ((C) < (D))"},
-      {"TRUERANGE", "(TRUERANGE())"},
-      {"IF(A > B, 1, 2)", "(IF((A) > (B), 1, 2))"},
+      {"CLOSE > OPEN", "(CLOSE) > (OPEN)"}, {"A > B AND C < D", "((A) > (B)) AND ((C) < (D))"},
+      {"TRUERANGE", "(TRUERANGE())"},       {"IF(A > B, 1, 2)", "(IF((A) > (B), 1, 2))"},
       {"SET X = CLOSE", "SET X =(CLOSE)"},
   };
   for (const auto& [input, output] : effects) EXPECT_EQ(normalised(input), output);
@@ -34,7 +34,9 @@ TEST(Normaliser, EqualSignsNeedNoBlanks) {
   EXPECT_EQ(normalised("A == B"), "(A) == (B)");
 }
 
-TEST(Normaliser, EqualSignsApartDoNotJoin) { EXPECT_EQ(normalised("A = = B").find("=="), std::string::npos); }
+TEST(Normaliser, EqualSignsApartDoNotJoin) {
+  EXPECT_EQ(normalised("A = = B").find("=="), std::string::npos);
+}
 
 TEST(Normaliser, BracketsBothSidesOfEverySpelling) {
   for (const char* sign : {"==", "=<", "!=", "<>", ">=", "=>", "<=", "=", "<", ">"}) {
@@ -43,14 +45,18 @@ TEST(Normaliser, BracketsBothSidesOfEverySpelling) {
   }
 }
 
-TEST(Normaliser, ComparisonWithoutBlanksKeepsItsForm) { EXPECT_EQ(normalised("A>B"), "(A>B)"); }
+TEST(Normaliser, ComparisonWithoutBlanksKeepsItsForm) {
+  EXPECT_EQ(normalised("A>B"), "(A>B)");
+}
 
 TEST(Normaliser, LogicalWordAsCallKeepsABlank) {
   // The word is found, so the whole gets two brackets.
   EXPECT_EQ(normalised("OR(A, B)"), "((OR (A, B)))");
 }
 
-TEST(Normaliser, NotInFrontOfABracketIsLeftAsWritten) { EXPECT_EQ(normalised("NOT(A)"), "((NOT (A)))"); }
+TEST(Normaliser, NotInFrontOfABracketIsLeftAsWritten) {
+  EXPECT_EQ(normalised("NOT(A)"), "((NOT (A)))");
+}
 
 TEST(Normaliser, NoArgumentNamesGetTheirBrackets) {
   EXPECT_EQ(normalised("CSP"), "(CSP())");

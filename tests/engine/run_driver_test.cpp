@@ -11,7 +11,8 @@ namespace {
 
 std::vector<Bar> rampBars(int count) {
   std::vector<Bar> bars;
-  for (int i = 1; i <= count; ++i) bars.push_back({2444300.5 + i, i - 0.5, i + 1.0, i - 1.0, 1.0 * i, 100.0 * i});
+  for (int i = 1; i <= count; ++i)
+    bars.push_back({2444300.5 + i, i - 0.5, i + 1.0, i - 1.0, 1.0 * i, 100.0 * i});
   return bars;
 }
 
@@ -90,7 +91,8 @@ TEST(RunDriver, DryRunMakesTenThousandBarsOfOne) {
 }
 
 TEST(RunDriver, ReadsTheSourceStatements) {
-  RunOf run("SET EXCHANGE = NYSE\r\nSET SECTOR = TECH\r\nSET INDUSTRY = CHIPS\r\nSET SYMBOL = ABC\r\nCLOSE > 0");
+  RunOf run(
+      "SET EXCHANGE = NYSE\r\nSET SECTOR = TECH\r\nSET INDUSTRY = CHIPS\r\nSET SYMBOL = ABC\r\nCLOSE > 0");
   EXPECT_EQ(run.engine.exchange, "NYSE");
   EXPECT_EQ(run.engine.sector, "TECH");
   EXPECT_EQ(run.engine.industry, "CHIPS");
@@ -132,7 +134,9 @@ TEST(RunDriver, RowScanStopsAtTheFirstError) {
 
 // ---- Lookback ----
 
-std::int32_t lookback(const std::string& script) { return CScriptEngine().EstimateLookback(script); }
+std::int32_t lookback(const std::string& script) {
+  return CScriptEngine().EstimateLookback(script);
+}
 
 TEST(Lookback, DoublesTheGreatestNumberInBrackets) {
   EXPECT_EQ(lookback("SMA(CLOSE, 10) > EMA(CLOSE, 26)"), 54);

@@ -56,7 +56,8 @@ TEST_F(TransientStoreTest, EachListOfParametersHasAFieldOfItsOwn) {
 }
 
 TEST_F(TransientStoreTest, APriceFieldWithoutNumbersIsNamedAfterItsPrices) {
-  const WorkField field = store.field("TP", {std::string_view("HIGH"), std::string_view("LOW"), std::string_view("CLOSE")});
+  const WorkField field =
+      store.field("TP", {std::string_view("HIGH"), std::string_view("LOW"), std::string_view("CLOSE")});
   EXPECT_EQ(field.name, "TP(HIGH,LOW,CLOSE)");
 }
 

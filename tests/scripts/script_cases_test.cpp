@@ -155,7 +155,8 @@ class ScriptCase : public ::testing::Test {
   void TestBody() override {
     SCOPED_TRACE(case_.file + ":" + std::to_string(case_.line) + " " + case_.title);
     for (const Bar& b : case_.bars) {
-      output_.AppendRecord(b.JDate, b.OpenPrice, b.HighPrice, b.LowPrice, b.ClosePrice, volumeToInt32(b.Volume));
+      output_.AppendRecord(b.JDate, b.OpenPrice, b.HighPrice, b.LowPrice, b.ClosePrice,
+                           volumeToInt32(b.Volume));
     }
     output_.ScriptError = [this](const std::string& text) { error_ = text; };
     const auto text = output_.GetScriptOutput(case_.script, case_.map, case_.sets);

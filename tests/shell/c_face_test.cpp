@@ -75,7 +75,8 @@ TEST(CFace, ANullScriptReadsAsEmpty) {
 TEST(CFace, TooFewBarsGiveNeitherTextNorEvent) {
   const Handle h = rampOf(3);
   int events = 0;
-  bw_script_output_on_script_error(h.get(), [](void* user, const char*) { ++*static_cast<int*>(user); }, &events);
+  bw_script_output_on_script_error(
+      h.get(), [](void* user, const char*) { ++*static_cast<int*>(user); }, &events);
   char* text = reinterpret_cast<char*>(&events);
   EXPECT_EQ(bw_script_output_get_script_output(h.get(), "CLOSE", 0, "", &text), 0);
   EXPECT_EQ(text, nullptr);
@@ -148,7 +149,8 @@ TEST(CFace, RecordQueriesDoNotSeeTheBarsOfAppendRecord) {
 TEST(CFace, BulkRowsAreTheSingleCallsInTurn) {
   const Handle one = rampOf(9);
   std::vector<double> rows;
-  for (int i = 1; i <= 9; ++i) rows.insert(rows.end(), {2444299.5 + i, 1.0 * i, i + 1.0, i - 1.0, 1.0 * i, 100.9});
+  for (int i = 1; i <= 9; ++i)
+    rows.insert(rows.end(), {2444299.5 + i, 1.0 * i, i + 1.0, i - 1.0, 1.0 * i, 100.9});
   Handle bulk(bw_script_output_create());
   EXPECT_EQ(bw_script_output_append_records(bulk.get(), rows.data(), 9), 0);
   EXPECT_EQ(bw_script_output_append_records(bulk.get(), nullptr, 0), 0);
@@ -199,6 +201,8 @@ TEST(CFace, JulianDates) {
   EXPECT_EQ(taken(text), "No Date Time");
 }
 
-TEST(CFace, TheVersionIsAText) { EXPECT_EQ(std::string(bw_version()).find('.'), 1u); }
+TEST(CFace, TheVersionIsAText) {
+  EXPECT_EQ(std::string(bw_version()).find('.'), 1u);
+}
 
 }  // namespace

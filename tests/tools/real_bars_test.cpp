@@ -1,5 +1,5 @@
-// A script over real bars: daily and hourly prices that stand beside the repository, or where BRINDLEWORT_TEST_DATA
-// points. Skipped where there are none.
+// A script over real bars: daily and hourly prices that stand beside the repository, or where
+// BRINDLEWORT_TEST_DATA points. Skipped where there are none.
 
 #include <gtest/gtest.h>
 
@@ -35,7 +35,8 @@ std::optional<CScriptOutput> componentOver(const std::string& file) {
   text << in.rdbuf();
   CScriptOutput output;
   BarsCsvReader reader([&](const Bar& bar) {
-    output.AppendRecord(bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice, bar.ClosePrice, volumeToInt32(bar.Volume));
+    output.AppendRecord(bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice, bar.ClosePrice,
+                        volumeToInt32(bar.Volume));
   });
   EXPECT_TRUE(reader.feed(text.str()) && reader.finish());
   return output;
@@ -59,13 +60,15 @@ TEST(RealBars, DailyCrossoverPrintsALinePerBar) {
   // Row i is bar i. The first average stands at row 15 and covers bars 2 to 15.
   const Series& a = *output->findSeries("A");
   EXPECT_EQ(a[14], NULL_VALUE);
-  EXPECT_EQ(a[15], sumNewestFirst({108.31, 109.4, 104.87, 106, 107.91, 106.15, 102.01, 102.37, 100.25, 101.51, 100.01,
-                                   101.58, 102.3, 102.31}) / 14);
+  EXPECT_EQ(a[15], sumNewestFirst({108.31, 109.4, 104.87, 106, 107.91, 106.15, 102.01, 102.37, 100.25, 101.51,
+                                   100.01, 101.58, 102.3, 102.31}) /
+                       14);
   // The exponential average is seeded with the mean of bars 1 to 26; row 26 reads bar 27 with the weights
   // the other way round, and row 27 is the first of the recursion.
   double seed = 0.0;
-  for (double close : {100.34, 108.31, 109.4, 104.87, 106.0, 107.91, 106.15, 102.01, 102.37, 100.25, 101.51, 100.01, 101.58,
-                       102.3, 102.31, 105.33, 107.5, 111.49, 112.0, 113.97, 117.49, 119.36, 117.84, 118.38, 120.82, 119.83}) {
+  for (double close : {100.34, 108.31, 109.4,  104.87, 106.0,  107.91, 106.15, 102.01, 102.37,
+                       100.25, 101.51, 100.01, 101.58, 102.3,  102.31, 105.33, 107.5,  111.49,
+                       112.0,  113.97, 117.49, 119.36, 117.84, 118.38, 120.82, 119.83}) {
     seed += close;
   }
   seed /= 26;
@@ -80,11 +83,12 @@ TEST(RealBars, DailyCrossoverPrintsALinePerBar) {
 TEST(RealBars, DailyCrossoverFiresWhereBothConditionsHold) {
   auto output = componentOver("daily.csv");
   if (!output) GTEST_SKIP() << "no daily.csv in " << dataFolder();
-  // Without fillers the first bar is row-less, and bar n stands in row n - 2; the list begins at the lookback, 54,
-  // and names row i - 1 by i + 1, which is the bar's number.
+  // Without fillers the first bar is row-less, and bar n stands in row n - 2; the list begins at the
+  // lookback, 54, and names row i - 1 by i + 1, which is the bar's number.
   const auto list = output->GetScriptOutput(kCrossover, -1, "");
   ASSERT_TRUE(list.has_value());
-  const Series a = *output->findSeries("A"), b = *output->findSeries("B"), close = *output->findSeries("CLOSE");
+  const Series a = *output->findSeries("A"), b = *output->findSeries("B"),
+               close = *output->findSeries("CLOSE");
   std::string expected;
   for (std::size_t row = 53; row < close.size(); ++row) {
     if (a[row] > b[row] && close[row] > close[row - 1]) expected += std::to_string(row + 2) + ",";
@@ -101,8 +105,9 @@ TEST(RealBars, HourlyCrossoverPrintsALinePerBar) {
   EXPECT_EQ(std::count(text->begin(), text->end(), '\n'), 1 + 5000);
   EXPECT_TRUE(text->starts_with("Date,\"A\",\"B\"\r\n2017-04-19 09:00:00,-987654321,-987654321\r\n"));
   EXPECT_EQ((*output->findSeries("A"))[15],
-            sumNewestFirst({1.0726, 1.07192, 1.07202, 1.0705, 1.07128, 1.07064, 1.07102, 1.07122, 1.07202, 1.07162, 1.07114,
-                            1.0711, 1.07154, 1.07149}) / 14);
+            sumNewestFirst({1.0726, 1.07192, 1.07202, 1.0705, 1.07128, 1.07064, 1.07102, 1.07122, 1.07202,
+                            1.07162, 1.07114, 1.0711, 1.07154, 1.07149}) /
+                14);
 }
 
 }  // namespace

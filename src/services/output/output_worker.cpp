@@ -27,7 +27,9 @@ std::string cleanName(std::string_view name) {
   return replaceAll(spaced, "( ", "(");
 }
 
-std::string withoutBlanks(std::string_view text) { return withoutChar(text, ' '); }
+std::string withoutBlanks(std::string_view text) {
+  return withoutChar(text, ' ');
+}
 
 std::vector<std::string> splitSets(std::string_view sets) {
   if (contains(sets, "(") || contains(sets, ")")) return {upperCase(trim(sets))};
@@ -58,8 +60,9 @@ void filterNames(std::vector<std::string>& names, std::string_view sets) {
   names = std::move(wanted);
 }
 
-/// The entry of exactly this name, else the first that is the same without blanks. A variable that a script has named
-/// LAST or DATE is a column like any other, though the script itself reads the close and the dates by these names.
+/// The entry of exactly this name, else the first that is the same without blanks. A variable that a script
+/// has named LAST or DATE is a column like any other, though the script itself reads the close and the dates
+/// by these names.
 const ScriptVariable* findEntry(const CScriptEngine& engine, std::string_view name) {
   if (const ScriptVariable* entry = engine.variables.get(name)) return entry;
   const std::string bare = withoutBlanks(name);

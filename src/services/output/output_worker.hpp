@@ -10,8 +10,8 @@
 /// The work between a component and its engine: runs a script and makes the output of its series.
 namespace brindlewort {
 
-/// Runs a script and picks the output series. The result is empty, or the text that ends the work: an error, or
-/// a message of the run driver.
+/// Runs a script and picks the output series. The result is empty, or the text that ends the work: an error,
+/// or a message of the run driver.
 std::string runForOutput(CScriptEngine& engine, std::string_view script, std::string_view outputSets,
                          std::vector<OutputColumn>& columns);
 

@@ -13,7 +13,9 @@ namespace {
 constexpr double kFillerDate = 2444239.5;
 constexpr std::string_view kOutOfMemory = "Error: Out of memory.";
 
-bool asksForCandles(std::string_view script) { return contains(upperCase(script), "CSP"); }
+bool asksForCandles(std::string_view script) {
+  return contains(upperCase(script), "CSP");
+}
 
 Bar makeBar(double JDate, double Open, double High, double Low, double Close, std::int32_t Volume) {
   Bar bar;
@@ -39,19 +41,22 @@ CScriptOutput::~CScriptOutput() = default;
 CScriptOutput::CScriptOutput(CScriptOutput&&) noexcept = default;
 CScriptOutput& CScriptOutput::operator=(CScriptOutput&&) noexcept = default;
 
-// ---- Records ------------------------------------------------------------------------------------------------
+// ---- Records
+// ------------------------------------------------------------------------------------------------
 
 void CScriptOutput::AppendRecord(double JDate, double OpenPrice, double HighPrice, double LowPrice,
                                  double ClosePrice, std::int32_t Volume) {
   bars_.AppendRecord(makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume));
 }
 
-bool CScriptOutput::EditRecord(double JDate, double OpenPrice, double HighPrice, double LowPrice, double ClosePrice,
-                               std::int32_t Volume) {
+bool CScriptOutput::EditRecord(double JDate, double OpenPrice, double HighPrice, double LowPrice,
+                               double ClosePrice, std::int32_t Volume) {
   return bars_.EditRecord(makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume));
 }
 
-bool CScriptOutput::EditJDate(double OldJDate, double NewJDate) { return bars_.EditJDate(OldJDate, NewJDate); }
+bool CScriptOutput::EditJDate(double OldJDate, double NewJDate) {
+  return bars_.EditJDate(OldJDate, NewJDate);
+}
 
 void CScriptOutput::ClearRecords() {
   bars_.ClearRecords();
@@ -63,9 +68,13 @@ const Bar* CScriptOutput::GetRecordByJDate(double JDate) const {
   return row == BarStore::kNotFound ? nullptr : &livingBars_[static_cast<std::size_t>(row)];
 }
 
-const Bar* CScriptOutput::GetRecordByIndex(std::int32_t Index) const { return livingBars_.byNumber(Index); }
+const Bar* CScriptOutput::GetRecordByIndex(std::int32_t Index) const {
+  return livingBars_.byNumber(Index);
+}
 
-std::int32_t CScriptOutput::RecordCount() const { return livingBars_.RecordCount(); }
+std::int32_t CScriptOutput::RecordCount() const {
+  return livingBars_.RecordCount();
+}
 
 double CScriptOutput::GetJDate(std::int32_t Index) const {
   // The number counts from 0 here, and 0 itself is refused: the first bar cannot be reached.
@@ -81,10 +90,11 @@ std::optional<std::int32_t> CScriptOutput::GetRecordNumberByJDate(double JDate) 
   return number;
 }
 
-// ---- Runs ---------------------------------------------------------------------------------------------------
+// ---- Runs
+// ---------------------------------------------------------------------------------------------------
 
-/// Work on a fresh engine, which is kept for the questions that follow; it takes over the buffers of the engine
-/// before. A lack of memory becomes the event.
+/// Work on a fresh engine, which is kept for the questions that follow; it takes over the buffers of the
+/// engine before. A lack of memory becomes the event.
 template <class Work>
 auto CScriptOutput::guarded(Work work) -> decltype(work()) {
   try {
@@ -126,7 +136,8 @@ std::optional<std::string> CScriptOutput::answer(std::string text) {
   return text;
 }
 
-std::optional<std::string> CScriptOutput::GetScriptOutput(std::string_view DefaultScript, std::int32_t MapCount,
+std::optional<std::string> CScriptOutput::GetScriptOutput(std::string_view DefaultScript,
+                                                          std::int32_t MapCount,
                                                           std::string_view OutputSets) {
   return guarded([&] {
     CScriptEngine& engine = prepareRun(DefaultScript, MapCount);

@@ -16,7 +16,9 @@ inline constexpr std::int32_t kNullArgument = -1;
 /// A true result of the record operations.
 inline constexpr std::int32_t kTrue = -1;
 
-inline std::string_view textOf(const char* text) { return text ? std::string_view(text) : std::string_view(); }
+inline std::string_view textOf(const char* text) {
+  return text ? std::string_view(text) : std::string_view();
+}
 
 /// A copy that the host frees; null when memory runs out.
 inline char* copyText(std::string_view text) {

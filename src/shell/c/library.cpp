@@ -2,6 +2,10 @@
 
 #include "brindlewort/brindlewort.h"
 
-const char* bw_version(void) { return BRINDLEWORT_VERSION; }
+const char* bw_version(void) {
+  return BRINDLEWORT_VERSION;
+}
 
-void bw_free(void* text) { std::free(text); }
+void bw_free(void* text) {
+  std::free(text);
+}

@@ -1,9 +1,10 @@
+#include "services/output/script_output.hpp"
+
 #include <new>
 
 #include "brindlewort/brindlewort.h"
 #include "series/julian_date.hpp"
 #include "series/numbers.hpp"
-#include "services/output/script_output.hpp"
 #include "shell/c/handle.hpp"
 
 using namespace brindlewort;
@@ -30,9 +31,13 @@ std::int32_t giveBool(bool value, std::int32_t* out) {
 
 }  // namespace
 
-bw_script_output* bw_script_output_create(void) { return new (std::nothrow) bw_script_output; }
+bw_script_output* bw_script_output_create(void) {
+  return new (std::nothrow) bw_script_output;
+}
 
-void bw_script_output_destroy(bw_script_output* h) { delete h; }
+void bw_script_output_destroy(bw_script_output* h) {
+  delete h;
+}
 
 int32_t bw_script_output_on_script_error(bw_script_output* h, bw_script_error_fn fn, void* user) {
   return onHandle(h, [&](bw_script_output& handle) {
@@ -42,8 +47,9 @@ int32_t bw_script_output_on_script_error(bw_script_output* h, bw_script_error_fn
   });
 }
 
-int32_t bw_script_output_append_record(bw_script_output* h, double jdate, double open_price, double high_price,
-                                       double low_price, double close_price, int32_t volume) {
+int32_t bw_script_output_append_record(bw_script_output* h, double jdate, double open_price,
+                                       double high_price, double low_price, double close_price,
+                                       int32_t volume) {
   return onHandle(h, [&](bw_script_output& handle) {
     handle.component.AppendRecord(jdate, open_price, high_price, low_price, close_price, volume);
     return kSuccess;
@@ -88,9 +94,9 @@ int32_t bw_script_output_get_record_by_jdate(bw_script_output* h, double jdate, 
   });
 }
 
-int32_t bw_script_output_get_record_by_index(bw_script_output* h, int32_t index, double* jdate, double* open_price,
-                                             double* high_price, double* low_price, double* close_price,
-                                             int32_t* volume, int32_t* result) {
+int32_t bw_script_output_get_record_by_index(bw_script_output* h, int32_t index, double* jdate,
+                                             double* open_price, double* high_price, double* low_price,
+                                             double* close_price, int32_t* volume, int32_t* result) {
   return onHandle(h, [&](bw_script_output& handle) {
     if (anyNull(jdate, open_price, high_price, low_price, close_price, volume, result)) return kNullArgument;
     const Bar* bar = handle.component.GetRecordByIndex(index);
@@ -137,15 +143,17 @@ int32_t bw_script_output_get_record_number_by_jdate(bw_script_output* h, double 
   });
 }
 
-int32_t bw_script_output_edit_jdate(bw_script_output* h, double old_jdate, double new_jdate, int32_t* result) {
+int32_t bw_script_output_edit_jdate(bw_script_output* h, double old_jdate, double new_jdate,
+                                    int32_t* result) {
   return onHandle(h, [&](bw_script_output& handle) {
     if (!result) return kNullArgument;
     return giveBool(handle.component.EditJDate(old_jdate, new_jdate), result);
   });
 }
 
-int32_t bw_script_output_to_julian_date(bw_script_output* h, int32_t year, int32_t month, int32_t day, int32_t hour,
-                                        int32_t minute, int32_t second, int32_t /*millisecond*/, double* jdate) {
+int32_t bw_script_output_to_julian_date(bw_script_output* h, int32_t year, int32_t month, int32_t day,
+                                        int32_t hour, int32_t minute, int32_t second, int32_t /*millisecond*/,
+                                        double* jdate) {
   return onHandle(h, [&](bw_script_output&) {
     if (!jdate) return kNullArgument;
     *jdate = ToJulianDate(year, month, day, hour, minute, second);
@@ -154,7 +162,8 @@ int32_t bw_script_output_to_julian_date(bw_script_output* h, int32_t year, int32
 }
 
 int32_t bw_script_output_from_julian_date(bw_script_output* h, double jdate, char** text) {
-  return onHandle(h, [&](bw_script_output&) { return text ? giveText(FromJulianDate(jdate), text) : kNullArgument; });
+  return onHandle(
+      h, [&](bw_script_output&) { return text ? giveText(FromJulianDate(jdate), text) : kNullArgument; });
 }
 
 int32_t bw_script_output_get_script_output(bw_script_output* h, const char* script, int32_t map_count,
@@ -172,7 +181,8 @@ int32_t bw_script_output_get_custom_ind_from_condition(bw_script_output* h, cons
   });
 }
 
-int32_t bw_script_output_get_series(bw_script_output* h, const char* name, const double** values, size_t* count) {
+int32_t bw_script_output_get_series(bw_script_output* h, const char* name, const double** values,
+                                    size_t* count) {
   return onHandle(h, [&](bw_script_output& handle) {
     if (anyNull(values, count)) return kNullArgument;
     const Series* series = handle.component.findSeries(textOf(name));
