@@ -1,8 +1,9 @@
 # Compile flags of every target. Results are the same bits on every build, so the compiler may neither
-# contract a*b+c into one rounding nor reorder additions.
+# contract a*b+c into one rounding nor reorder additions. That no floating-point exception traps and that nobody
+# reads errno changes no result; it lets loops with a select in them use vector instructions.
 add_library(brindlewort_flags INTERFACE)
 target_compile_options(brindlewort_flags INTERFACE
-  -Wall -Wextra -Wpedantic -ffp-contract=off -fno-fast-math
+  -Wall -Wextra -Wpedantic -ffp-contract=off -fno-fast-math -fno-trapping-math -fno-math-errno
   # GCC 12 sees overlaps and overflows in string concatenation that are not there.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict -Wno-stringop-overflow -Wno-array-bounds>)
 if(BRINDLEWORT_WERROR)
