@@ -99,19 +99,7 @@ class DepthGuard {
 }  // namespace
 
 std::string CScriptEngine::MakeKey(std::string_view text, std::string_view extra) const {
-  std::string key = replaceAll(text, "( ", "(");
-  if (contains(key, " )")) key = replaceAll(key, " )", ")");
-  if (contains(key, ",")) {
-    std::string spaced;
-    spaced.reserve(key.size() + 16);
-    for (std::size_t i = 0; i < key.size(); ++i) {
-      spaced += key[i];
-      if (key[i] != ',') continue;
-      spaced += ' ';
-      while (i + 1 < key.size() && key[i + 1] == ' ') ++i;
-    }
-    key = std::move(spaced);
-  }
+  std::string key = withUniformBlanks(text);
   if (!extra.empty()) {
     if (key.empty()) return std::string(extra);
     return std::string(extra) + "( " + key + " )";

@@ -20,6 +20,20 @@ std::string replaceAll(std::string_view text, std::string_view from, std::string
   return out.append(text, at);
 }
 
+std::string withUniformBlanks(std::string_view text) {
+  const std::string tight = replaceAll(replaceAll(text, "( ", "("), " )", ")");
+  if (!contains(tight, ",")) return tight;
+  std::string out;
+  out.reserve(tight.size() + 16);
+  for (std::size_t i = 0; i < tight.size(); ++i) {
+    out += tight[i];
+    if (tight[i] != ',') continue;
+    out += ' ';
+    while (i + 1 < tight.size() && tight[i + 1] == ' ') ++i;
+  }
+  return out;
+}
+
 std::string upperCase(std::string_view text) {
   std::string out(text);
   for (char& c : out) {

@@ -17,6 +17,9 @@ std::string_view trim(std::string_view text);
 /// One forward pass: each occurrence of `from` becomes `to`, and what was inserted is not read again.
 std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
 
+/// The blanks of a call's text in one form: none behind an opening or in front of a closing bracket, one behind a comma.
+std::string withUniformBlanks(std::string_view text);
+
 std::string upperCase(std::string_view text);
 
 inline bool contains(std::string_view text, std::string_view piece) {

@@ -15,16 +15,8 @@ constexpr std::string_view kBehindTheEnd = "-987654321.0000";
 
 /// A name as it is printed.
 std::string cleanName(std::string_view name) {
-  std::string text = replaceAll(replaceAll(name, "( ", "("), " )", ")");
-  text = replaceAll(text, "=(", "= (");
-  std::string spaced;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    spaced += text[i];
-    if (text[i] != ',') continue;
-    spaced += ' ';
-    while (i + 1 < text.size() && text[i + 1] == ' ') ++i;
-  }
-  return replaceAll(spaced, "( ", "(");
+  const std::string text = replaceAll(withUniformBlanks(name), "=(", "= (");
+  return replaceAll(text, "( ", "(");
 }
 
 std::string withoutBlanks(std::string_view text) {
