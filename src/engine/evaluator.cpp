@@ -5,7 +5,9 @@
 
 #include <charconv>
 
+#include "engine/depth_guard.hpp"
 #include "engine/operators.hpp"
+#include "engine/scanner.hpp"
 #include "functions/script_engine.hpp"
 #include "platform/clock.hpp"
 #include "series/numbers.hpp"
@@ -19,82 +21,7 @@ constexpr std::uint32_t kTimeLimitMs = 300'000;
 constexpr std::string_view kTimedOut =
     "Error: The script timed out. Please shorten your script and try again.";
 
-constexpr std::string_view kWordOperators[] = {"NOT", "OR ", "AND", "XOR", "EQV", "IMP"};
-
-bool endsOperand(char c) {
-  static constexpr std::string_view kEnds = "&+-/\\*^ ><=";
-  return kEnds.find(c) != std::string_view::npos;
-}
-
-/// The text between the bracket at `open` and its match, or all the text behind it when it has none.
-/// `behind` becomes the position behind the closing bracket.
-std::string_view bracketed(std::string_view text, std::size_t open, std::size_t& behind) {
-  int depth = 0;
-  for (std::size_t i = open; i < text.size(); ++i) {
-    if (text[i] == '(') ++depth;
-    if (text[i] == ')' && --depth == 0) {
-      behind = i + 1;
-      return text.substr(open + 1, i - open - 1);
-    }
-  }
-  behind = text.size();
-  return text.substr(open + 1);
-}
-
-/// Walks the arguments of a call: pieces between commas outside brackets, trimmed. The last one runs to
-/// the end of the text.
-class ArgumentReader {
- public:
-  explicit ArgumentReader(std::string_view text) : rest_(text) {}
-  /// False when there is no further argument.
-  bool next(std::string_view& argument) {
-    if (done_) return false;
-    int depth = 0;
-    for (std::size_t i = 0; i < rest_.size(); ++i) {
-      if (rest_[i] == '(') ++depth;
-      if (rest_[i] == ')') --depth;
-      if (rest_[i] == ',' && depth == 0) {
-        argument = trim(rest_.substr(0, i));
-        rest_.remove_prefix(i + 1);
-        return true;
-      }
-    }
-    argument = trim(rest_);
-    done_ = true;
-    return true;
-  }
-
- private:
-  std::string_view rest_;
-  bool done_ = false;
-};
-
-/// "SET name = text" taken apart. A text that begins with these three letters loses four characters in any
-/// case; without a "=" it is no SET statement all the same.
-struct Statement {
-  bool isSet;
-  std::string_view name;
-  std::string_view text;
-};
-
-Statement splitStatement(std::string_view text) {
-  if (!text.starts_with("SET")) return {false, {}, text};
-  text = trim(text.substr(std::min<std::size_t>(4, text.size())));
-  const std::size_t equals = text.find('=');
-  if (equals == std::string_view::npos) return {false, {}, text};
-  return {true, trim(text.substr(0, equals)), trim(text.substr(equals + 1))};
-}
-
-/// Counts evaluations inside one another.
-class DepthGuard {
- public:
-  explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }
-  ~DepthGuard() { --depth_; }
-  DepthGuard(const DepthGuard&) = delete;
-
- private:
-  int& depth_;
-};
+using namespace scanner;
 
 }  // namespace
 
@@ -125,16 +52,19 @@ void CScriptEngine::abortRun() {
   abortMark = "timeout";
 }
 
+void CScriptEngine::testTimeLimit() {
+  if (platform::tickMilliseconds() - startTicks <= kTimeLimitMs) return;
+  errorText = kTimedOut;
+  abortMark = "timeout";
+}
+
 ScriptVariable CScriptEngine::EvaluateExpression(std::string_view text) {
   const DepthGuard guard(depth_);
   if (depth_ > kMaxDepth || rowsHeld_ > kMaxRowsHeld) {
     abortRun();
     return {};
   }
-  if (platform::tickMilliseconds() - startTicks > kTimeLimitMs) {
-    errorText = kTimedOut;
-    abortMark = "timeout";
-  }
+  testTimeLimit();
   std::string key = MakeKey(text, "");
   if (const ScriptVariable* known = variables.get(key)) return *known;
   if (const ScriptVariable* known = constants.get(key)) return *known;
@@ -167,38 +97,21 @@ ScriptVariable CScriptEngine::EvaluateExpression(std::string_view text) {
 /// error stands.
 ScriptVariable CScriptEngine::scan(std::string_view text) {
   ScriptVariable left;
-  std::string_view op;
-  std::size_t position = 0;
-  while (position < text.size()) {
-    const std::size_t before = position;
-    for (std::string_view word : kWordOperators) {
-      if (text.substr(position, 3) == word) {
-        op = text.substr(position, 3);
-        position += 3;
-        break;
-      }
-    }
-    const char c = position < text.size() ? text[position] : '\0';
-    if (position >= text.size()) {
-      // the operator was the last word
-    } else if (c == ' ') {
-      ++position;
-    } else if (std::string_view("&+-*/\\^").find(c) != std::string_view::npos) {
-      op = text.substr(position++, 1);
-    } else if (std::string_view("><=!").find(c) != std::string_view::npos) {
-      const bool two = position + 1 < text.size() &&
-                       std::string_view("><=").find(text[position + 1]) != std::string_view::npos;
-      op = text.substr(position, two ? 2 : 1);
-      position += op.size();
-    } else if (op.empty()) {
-      left = EvaluateTerm(text, position);
-    } else if (op == "&") {
-      left.value = EvaluateTerm(text, position).value;
-    } else if (const Operator* handler = findOperator(op)) {
-      const ScriptVariable right = EvaluateTerm(text, position);
+  OperandScanner scanner(text, Dialect::kPlain);
+  while (scanner.next()) {
+    // An error from before stops the scan behind its first round.
+    if (!errorText.empty() && !scanner.inFirstRound()) break;
+    if (scanner.op().empty()) {
+      left = EvaluateTerm(text, scanner.position);
+    } else if (scanner.op() == "&") {
+      left.value = EvaluateTerm(text, scanner.position).value;
+    } else if (const Operator* handler = findOperator(scanner.op())) {
+      const ScriptVariable right = EvaluateTerm(text, scanner.position);
       apply(*handler, left, right, {zeros(), dryRun});
+    } else {
+      break;
     }
-    if (position == before || !errorText.empty()) break;
+    if (!errorText.empty()) break;
   }
   return left;
 }
@@ -227,7 +140,7 @@ ScriptVariable CScriptEngine::evaluateGroup(std::string_view inner) {
   if (inner == "CSP()") resolvePattern();
   ScriptVariable value = EvaluateExpression(inner);
   if (!errorText.empty()) return {};
-  value.value = parseDouble(FormatFixed(value.value, 20));
+  value.value = throughText(value.value);
   if (!value.values.empty() && value.values.back() != value.value) {
     value.values.set(value.values.size() - 1, value.value);
   }
@@ -267,6 +180,8 @@ std::string CScriptEngine::evaluateArguments(std::string_view inner) {
 
 /// Finds the pattern that a script compares "CSP()" with: the constant in the bracket behind the next "=".
 void CScriptEngine::resolvePattern() {
+  if (patternKnown_) return;
+  patternKnown_ = true;
   candlePattern = -1;
   const std::string text = NormalizeScript(scriptText_);
   constexpr std::string_view kCall = "CSP()";

@@ -66,10 +66,8 @@ double greatestPeriod(std::string_view text) {
   return greatest;
 }
 
-}  // namespace
-
-std::int32_t CScriptEngine::EstimateLookback(std::string_view script) {
-  if (dryRun) return 3333;
+/// The greatest period, so many times (5 at least), plus 2.
+std::int32_t lookbackOf(std::string_view script, double times) {
   std::string text = replaceAll(script, "  ", " ");
   for (std::string_view name : kNoPeriodCalls) {
     if (!contains(text, name)) continue;
@@ -77,7 +75,17 @@ std::int32_t CScriptEngine::EstimateLookback(std::string_view script) {
     text = replaceAll(text, call + " (", call + "(");
     if (contains(text, call + "(")) text = withoutCallBrackets(text, name);
   }
-  return toInt32(std::max(greatestPeriod(text) * 2.0, 5.0)) + 2;
+  return toInt32(std::max(greatestPeriod(text) * times, 5.0)) + 2;
+}
+
+}  // namespace
+
+std::int32_t CScriptEngine::EstimateLookback(std::string_view script) {
+  return dryRun ? 3333 : lookbackOf(script, 2.0);
+}
+
+std::int32_t CScriptEngine::EstimateLookbackFast(std::string_view script) {
+  return lookbackOf(script, 1.0);
 }
 
 }  // namespace brindlewort

@@ -10,12 +10,6 @@ namespace brindlewort {
 
 namespace {
 
-using RowsWithSeries = void (*)(View left, View right, Out out);
-using RowsWithScalar = void (*)(View left, double right, Out out);
-using Scalars = double (*)(double left, double right);
-
-enum class Family { kArithmetic, kLogical };
-
 /// The loops of one operator, made from its formula for two values.
 template <class Formula>
 struct Loops {
@@ -76,21 +70,9 @@ struct Eqv {
   double operator()(double l, double r) const { return (l != 0.0) == (r != 0.0) ? 1.0 : 0.0; }
 };
 
-}  // namespace
-
-struct Operator {
-  std::string_view spelling;
-  Family family;
-  bool prefix;
-  RowsWithSeries withSeries;
-  RowsWithScalar withScalar;
-  Scalars scalars;
-};
-
-namespace {
-
 template <class Formula>
-constexpr Operator row(std::string_view spelling, Family family = Family::kArithmetic, bool prefix = false) {
+constexpr Operator row(std::string_view spelling, Operator::Family family = Operator::Family::kArithmetic,
+                       bool prefix = false) {
   return {spelling,
           family,
           prefix,
@@ -116,11 +98,11 @@ constexpr Operator kOperators[] = {
     row<Equal>("=="),
     row<Unequal>("!="),
     row<Unequal>("<>"),
-    row<Not>("NOT", Family::kLogical, true),
-    row<And>("AND", Family::kLogical),
-    row<Or>("OR ", Family::kLogical),
-    row<Xor>("XOR", Family::kLogical),
-    row<Eqv>("EQV", Family::kLogical),
+    row<Not>("NOT", Operator::Family::kLogical, true),
+    row<And>("AND", Operator::Family::kLogical),
+    row<Or>("OR ", Operator::Family::kLogical),
+    row<Xor>("XOR", Operator::Family::kLogical),
+    row<Eqv>("EQV", Operator::Family::kLogical),
 };
 
 /// The first `rows` rows of left become what `loop` gives; the rows behind stay. Writes in place when nobody
@@ -177,7 +159,7 @@ const Operator* findOperator(std::string_view spelling) {
 
 void apply(const Operator& op, ScriptVariable& left, const ScriptVariable& right,
            const OperatorContext& context) {
-  if (op.family == Family::kArithmetic) {
+  if (op.family == Operator::Family::kArithmetic) {
     applyArithmetic(op, left, right, context.zeros);
   } else if (!context.dryRun) {
     applyLogical(op, left, right);

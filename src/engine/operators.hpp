@@ -7,8 +7,17 @@
 namespace brindlewort {
 
 /// An operator of the language, applied to two values row by row: an accumulator and an operand. TRUE is 1.0,
-/// FALSE 0.0, and every value but 0.0 counts as true.
-struct Operator;
+/// FALSE 0.0, and every value but 0.0 counts as true. `out` may be `left`.
+struct Operator {
+  enum class Family { kArithmetic, kLogical };  ///< comparisons go with arithmetic
+
+  std::string_view spelling;
+  Family family;
+  bool prefix;  ///< the left side is not looked at
+  void (*withSeries)(View left, View right, Out out);
+  void (*withScalar)(View left, double right, Out out);
+  double (*scalars)(double left, double right);
+};
 
 /// The operator of this spelling ("NOT", "AND", "OR ", "XOR", "EQV", or one or two signs); null when none
 /// has it. There is no precedence.

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "engine/expression.hpp"
+#include "engine/program.hpp"
 #include "functions/script_engine.hpp"
 #include "platform/clock.hpp"
 #include "series/text.hpp"
@@ -33,28 +35,6 @@ std::string withoutComments(std::string_view script) {
   }
 }
 
-/// The SET statements of a script, each up to its line break, and the main expression behind them. As long as
-/// the letters "SET" stand anywhere in the rest, a further line is taken off.
-struct Program {
-  std::vector<std::string> sets;
-  std::string main;
-};
-
-Program split(std::string_view script) {
-  Program program;
-  const std::size_t lastSet = script.rfind("SET");
-  std::size_t at = 0;
-  while (lastSet != std::string_view::npos && lastSet >= at) {
-    const std::size_t end = script.find(kLineBreak, at);
-    if (end == std::string_view::npos) break;
-    program.sets.emplace_back(script.substr(at, end - at));
-    at = end + kLineBreak.size();
-  }
-  const std::string rest = replaceAll(script.substr(at), kLineBreak, " ");
-  program.main = CScriptEngine::NormalizeScript(trim(rest));
-  return program;
-}
-
 Bar barOfOnes() {
   Bar bar;
   bar.JDate = bar.OpenPrice = bar.HighPrice = bar.LowPrice = bar.ClosePrice = bar.Volume = 1.0;
@@ -64,6 +44,7 @@ Bar barOfOnes() {
 }  // namespace
 
 CScriptEngine::CScriptEngine() = default;
+CScriptEngine::~CScriptEngine() = default;
 
 /// Takes the statements SET EXCHANGE, SECTOR, INDUSTRY and SYMBOL off the head of the script: all up to the
 /// line break behind the last of them is the source part, which never reaches the evaluator.
@@ -108,9 +89,12 @@ void CScriptEngine::readSourceStatements(std::string& script) {
   }
 }
 
-std::string CScriptEngine::RunScript(std::string_view hostScript, bool rowScan, bool dryRun_) {
+/// Reads a script up to the point where it is one list of statements and one expression. The answer is what
+/// is wrong with it, or empty. As long as the letters "SET" stand anywhere in the rest, a further line is
+/// taken off as a statement.
+std::string CScriptEngine::readProgram(std::string_view hostScript, Way way, Program& program) {
   candlePattern = -1;
-  dryRun = dryRun_;
+  patternKnown_ = false;
   std::string script = replaceTabsAndDoubleBlanks(upperCase(hostScript));
   if (script.empty()) return "Error: Missing script";
   if (script.size() > kLongestScript) return "Error: Script too large";
@@ -118,18 +102,37 @@ std::string CScriptEngine::RunScript(std::string_view hostScript, bool rowScan, 
        {&abortMark, &errorText, &exchange, &sector, &industry, &symbol, &currentFunction}) {
     text->clear();
   }
-  aborted_ = false;
-  rowsHeld_ = 0;
-  windowLength = EstimateLookback(script);
-  variables.clear();
-  wholeHistory = true;
-
+  if (way == Way::kWholeHistory) {
+    windowLength = EstimateLookback(script);
+    variables.clear();
+    wholeHistory = true;
+  } else {
+    windowLength = EstimateLookbackFast(script);
+  }
   script = replaceTabsAndDoubleBlanks(withoutComments(script));
   script = replaceAll(script, "\r\n\r\n", kLineBreak);
   if (script.empty()) return "Error: No script!";
   scriptText_ = script;
   readSourceStatements(script);
-  const Program program = split(script);
+
+  const std::size_t lastSet = script.rfind("SET");
+  std::size_t at = 0;
+  while (lastSet != std::string::npos && lastSet >= at) {
+    const std::size_t end = script.find(kLineBreak, at);
+    if (end == std::string::npos) break;
+    program.sets.emplace_back(script.substr(at, end - at));
+    at = end + kLineBreak.size();
+  }
+  program.main = NormalizeScript(trim(replaceAll(std::string_view(script).substr(at), kLineBreak, " ")));
+  return {};
+}
+
+std::string CScriptEngine::RunScript(std::string_view script, bool rowScan, bool dryRun_) {
+  dryRun = dryRun_;
+  aborted_ = false;
+  rowsHeld_ = 0;
+  Program program;
+  if (std::string error = readProgram(script, Way::kWholeHistory, program); !error.empty()) return error;
 
   paddedData = false;
   if (static_cast<std::size_t>(windowLength) > bars.size()) {

@@ -6,6 +6,7 @@
 
 #include "functions/handler_tools.hpp"
 #include "functions/handlers.hpp"
+#include "functions/series_operations.hpp"
 #include "indicators/windows.hpp"
 #include "platform/clock.hpp"
 #include "platform/random15.hpp"
@@ -15,26 +16,12 @@ namespace brindlewort::handlers {
 
 namespace {
 
-using Function = double (*)(double);
-
-/// By MathOutput; RND has no row.
-constexpr Function kMathFunctions[] = {
-    [](double x) { return std::fabs(x); }, [](double x) { return std::sin(x); },
-    [](double x) { return std::cos(x); },  [](double x) { return std::tan(x); },
-    [](double x) { return std::atan(x); }, [](double x) { return std::exp(x); },
-    [](double x) { return std::log(x); },  [](double x) { return std::log10(x); },
-};
-
 /// Every row is a new draw times the source's last value. Seeded with the seconds of the clock on each call.
 void fillRandom(const ScriptVariable& source, ScriptVariable& result) {
   platform::Random15 random(static_cast<std::uint32_t>(platform::secondsSince1970()));
   const auto draw = [&] { return static_cast<double>(random.next()) / 32767.0 * source.value; };
   result.value = draw();
   for (double& row : result.values.edit()) row = draw();
-}
-
-bool reportTooSmall(CScriptEngine& engine, const FunctionCall& call) {
-  return engine.ReportRaw("'" + std::string(call.name) + "' argument should be greater than 1.");
 }
 
 /// Source and period of a window function. A period below 1 is refused (the sentence says otherwise).
@@ -46,7 +33,7 @@ bool bindWindow(CScriptEngine& engine, const FunctionCall& call, ScriptVariable&
   if (!bindSeries(engine, call, slots[0], "source", source)) return false;
   if (slots[1].empty()) return engine.ReportRequired(call.name, "Argument cannot be blank");
   if (!bindOffset(engine, call, slots[1], "argument 2", offset)) return false;
-  if (offset.rows < 1) return reportTooSmall(engine, call);
+  if (offset.rows < 1) return reportTooSmall(engine, call.name);
   period = offset.rows;
   return true;
 }
@@ -97,6 +84,21 @@ void extremeWindow(View in, Count p, bool greatest, Out out) {
 
 }  // namespace
 
+RowFunction mathFunctionOf(int output) {
+  static constexpr RowFunction kFunctions[] = {
+      [](double x) { return std::fabs(x); }, [](double x) { return std::sin(x); },
+      [](double x) { return std::cos(x); },  [](double x) { return std::tan(x); },
+      [](double x) { return std::atan(x); }, [](double x) { return std::exp(x); },
+      [](double x) { return std::log(x); },  [](double x) { return std::log10(x); },
+  };
+  return kFunctions[output];
+}
+
+Rounding roundingOf(int output, std::int32_t digits, double multiple) {
+  static constexpr RoundMode kModes[] = {RoundMode::kNearest, RoundMode::kUp, RoundMode::kDown};
+  return {kModes[output % 3], output >= kMRound, digits, multiple};
+}
+
 bool mathFunction(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) {
   const Slots<1> slots(engine, call, 1);
   if (slots.surplus()) return reportSurplus(engine, call);
@@ -107,7 +109,7 @@ bool mathFunction(CScriptEngine& engine, FunctionCall& call, ScriptVariable& res
     fillRandom(source, result);
     return true;
   }
-  const Function f = kMathFunctions[call.output];
+  const RowFunction f = mathFunctionOf(call.output);
   const View in = source.values.view();
   const Out out = result.values.edit();
   for (std::size_t i = 0; i < in.size(); ++i) out[i] = f(in[i]);
@@ -122,24 +124,13 @@ bool roundSeries(CScriptEngine& engine, FunctionCall& call, ScriptVariable& resu
   if (!bindSeries(engine, call, slots[0], "argument 1", source)) return false;
   if (!IsNumberText(slots[1]) && !bindSeries(engine, call, slots[1], "argument 2", unused)) return false;
   const double number = parseDouble(slots[1]);
-  if (!(number > 0.0)) return reportTooSmall(engine, call);
+  if (!(number > 0.0)) return reportTooSmall(engine, call.name);
 
-  struct Rounding {
-    RoundMode mode;
-    bool toMultiple;
-  };
-  static constexpr Rounding kRoundings[] = {{RoundMode::kNearest, false}, {RoundMode::kUp, false},
-                                            {RoundMode::kDown, false},    {RoundMode::kNearest, true},
-                                            {RoundMode::kUp, true},       {RoundMode::kDown, true}};
-  const Rounding rounding = kRoundings[call.output];
-  const std::int32_t digits = parseInt32(slots[1]);
+  const Rounding rounding = roundingOf(call.output, parseInt32(slots[1]), number);
   const View in = source.values.view();
   result.values = Series::uninitialized(in.size());
   const Out out = result.values.edit();
-  for (std::size_t i = 0; i < in.size(); ++i) {
-    out[i] = rounding.toMultiple ? RoundToMultiple(in[i], number, rounding.mode)
-                                 : RoundValue(in[i], digits, rounding.mode);
-  }
+  for (std::size_t i = 0; i < in.size(); ++i) out[i] = rounding(in[i]);
   return true;
 }
 

@@ -19,16 +19,6 @@ std::int64_t partNumber(std::string_view text) {
   return -1;
 }
 
-bool bindPart(CScriptEngine& engine, std::string_view text, int greatest, int& part) {
-  const std::int64_t number = partNumber(text);
-  if (number < 1 || number > greatest) {
-    return engine.ReportRaw("Kindly input proper parameter in datepart period argument [1-" +
-                            std::to_string(greatest) + "].");
-  }
-  part = static_cast<int>(number);
-  return true;
-}
-
 /// A reference to an earlier bar: a number of bars, or a series of such numbers.
 bool bindReference(CScriptEngine& engine, const FunctionCall& call, std::string_view text,
                    std::string_view label, std::string_view what, Offset& out) {
@@ -41,6 +31,16 @@ bool bindReference(CScriptEngine& engine, const FunctionCall& call, std::string_
 
 }  // namespace
 
+bool bindDatePart(CScriptEngine& engine, std::string_view text, int greatest, int& part) {
+  const std::int64_t number = partNumber(text);
+  if (number < 1 || number > greatest) {
+    return engine.ReportRaw("Kindly input proper parameter in datepart period argument [1-" +
+                            std::to_string(greatest) + "].");
+  }
+  part = static_cast<int>(number);
+  return true;
+}
+
 bool datePart(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) {
   const Slots<2> slots(engine, call, 2);
   if (slots.surplus()) return reportSurplus(engine, call);
@@ -48,7 +48,7 @@ bool datePart(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result)
   if (slots[1].empty()) return engine.ReportRequired(call.name, "datepart period");
   int part = 0;
   Offset offset;
-  if (!notNegative(engine, call, slots) || !bindPart(engine, slots[1], 6, part)) return false;
+  if (!notNegative(engine, call, slots) || !bindDatePart(engine, slots[1], 6, part)) return false;
   if (!bindReference(engine, call, slots[0], "source", "DATEPART()", offset)) return false;
 
   const View dates = engine.dates().view();
@@ -71,7 +71,7 @@ bool dateDiff(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result)
   if (slots[2].empty()) return engine.ReportRequired(call.name, "datepart periods");
   int unit = 0;
   Offset one, two;
-  if (!bindPart(engine, slots[2], 4, unit)) return false;
+  if (!bindDatePart(engine, slots[2], 4, unit)) return false;
   if (!bindReference(engine, call, slots[0], "date1_source", "DATEPART(d1)", one)) return false;
   if (!bindReference(engine, call, slots[1], "date2_source", "DATEPART(d2)", two)) return false;
 

@@ -13,6 +13,7 @@
 namespace brindlewort {
 
 class CScriptEngine;
+struct CallSite;
 
 /// The vocabulary of the language as one table: a row per handler. A row says which names reach it, what each
 /// argument slot may hold, in which order the slots are checked, how each failure is reported, and which
@@ -97,6 +98,30 @@ using BatchOperation = bool (*)(const Arguments& arguments, Out out);
 /// A figure for the whole of the series.
 using ScalarOperation = double (*)(const Arguments& arguments);
 
+/// The bound arguments of one call of the incremental way. Series are entries of the engine's store.
+struct IncrementalArguments {
+  WorkStore& store;
+  const CallSite& site;
+  const PriceSources& prices;
+  int output;                 ///< which of the operation's outputs the name asks for
+  std::string_view callText;  ///< the key of the call: its name and arguments
+
+  /// A series with the name of its entry; without rows when the argument is a number.
+  Source source(std::size_t slot) const;
+  double number(std::size_t slot) const;
+  Count period(std::size_t slot) const { return toInt64(number(slot)); }
+};
+
+/// Brings an output up to date that lives across calls.
+using IncrementalOperation = Status (*)(const IncrementalArguments& arguments, Target out);
+
+/// Which rows in front of the last computed one an incremental operation may write again.
+enum class Rewrites : std::uint8_t {
+  kNone,
+  kPeriods,  ///< as many as its greatest number, and two more
+  kAll,
+};
+
 /// One call on its way through the dispatcher.
 struct FunctionCall {
   std::string_view name;
@@ -107,6 +132,13 @@ struct FunctionCall {
 
 /// A handler of its own, for a function that no row of slots describes. False when it has reported.
 using Handler = bool (*)(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result);
+
+/// The same for the incremental way, in two halves: what follows from the argument texts alone, and what
+/// every run does. Both are false when they have reported.
+struct IncrementalHandler {
+  bool (*bind)(CScriptEngine& engine, CallSite& site) = nullptr;
+  bool (*run)(CScriptEngine& engine, CallSite& site, ScriptVariable& result) = nullptr;
+};
 
 // ---- Rows
 // ---------------------------------------------------------------------------------------------------
@@ -124,7 +156,10 @@ struct FunctionRow {
   std::string_view operation = {};  ///< name of the kernel that computes it
   BatchOperation batch = nullptr;
   ScalarOperation scalar = nullptr;
+  IncrementalOperation incremental = nullptr;
   Handler handler = nullptr;
+  IncrementalHandler incrementalHandler = {};
+  Rewrites rewrites = Rewrites::kNone;
   Path path = Path::kBoth;
   int required = 1;  ///< arguments below this count are reported while splitting
   Report surplus = {ReportKind::kInvalid, "Number of"};  ///< its kind is that of a decimal's report too

@@ -26,6 +26,11 @@ inline bool reportSurplus(CScriptEngine& engine, const FunctionCall& call) {
   return engine.ReportInvalid(call.name, "Number of");
 }
 
+/// The report of a number that is too small (its sentence says greater than 1 where the test is below 1).
+inline bool reportTooSmall(CScriptEngine& engine, std::string_view function) {
+  return engine.ReportRaw("'" + std::string(function) + "' argument should be greater than 1.");
+}
+
 /// Reports the first negative number text among the slots; false when there is one.
 template <class SlotRange>
 bool notNegative(CScriptEngine& engine, const FunctionCall& call, const SlotRange& slots) {

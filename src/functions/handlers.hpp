@@ -1,6 +1,7 @@
 #pragma once
 
 #include "functions/function_table.hpp"
+#include "functions/series_operations.hpp"
 
 /// Functions that no row of slots describes. Each binds its own arguments and reports in its own order.
 namespace brindlewort::handlers {
@@ -34,5 +35,13 @@ enum RoundOutput { kRound, kRoundUp, kRoundDown, kMRound, kMRoundUp, kMRoundDown
 enum WindowOutput { kSum, kAverage, kMax, kMin };
 enum ExtremeOutput { kMaxOf, kMinOf };
 enum RunCountOutput { kLastIf, kRepeatIf };
+
+/// The number of a date part or unit, 1 to `greatest`, from its digits or its word; else the report.
+bool bindDatePart(CScriptEngine& engine, std::string_view text, int greatest, int& part);
+
+/// The function of a row that a MathOutput other than RND names.
+RowFunction mathFunctionOf(int output);
+/// How the function of a RoundOutput rounds.
+Rounding roundingOf(int output, std::int32_t digits, double multiple);
 
 }  // namespace brindlewort::handlers

@@ -1,17 +1,23 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "functions/call_site.hpp"
+#include "functions/transient_store.hpp"
 #include "functions/variable_store.hpp"
 #include "indicators/frame.hpp"
+#include "series/bar.hpp"
 #include "series/field.hpp"
 #include "series/run_bars.hpp"
 
 namespace brindlewort {
+
+class ExpressionTable;
 
 /// The interpreter: state and operations of one run of a script over one symbol's bars.
 ///
@@ -24,6 +30,7 @@ namespace brindlewort {
 class CScriptEngine {
  public:
   CScriptEngine();
+  ~CScriptEngine();
   CScriptEngine(const CScriptEngine&) = delete;
   CScriptEngine& operator=(const CScriptEngine&) = delete;
 
@@ -53,6 +60,56 @@ class CScriptEngine {
   /// Calls a function. The result is empty, and `errorText` set, when the call fails.
   ScriptVariable EvaluateFunction(std::string_view name, std::string_view argumentText,
                                   std::string_view innerText);
+
+  // ---- The incremental way: the engine stays alive, a script is prepared once, and each new bar becomes one
+  // new row of every series. ----
+  /// Sets the engine up, before its first bar: empties the stores, makes the price variables, and allows as
+  /// many entries as asked for (250 when that is below 10).
+  void InitialiseTransientStore(std::int32_t variablesSize);
+  /// Takes a script apart for the runs that follow. False, with the text of what is wrong, for a script that
+  /// the driver refuses. In the mode kReplaceScript what the script before has left is dropped first.
+  bool ProcessScripData(std::string_view script, std::string& error);
+  void SetDataRetrieveMode(std::int32_t mode) { retrieveMode = mode; }
+  /// Adds a series that the host feeds; -1 when `size` is below 1 or no room is left. With the null value as
+  /// size removes what has this name instead (-1).
+  std::int32_t AddOrRemoveBasicVectorSeries(std::string_view name, std::int32_t size);
+  /// Adds a row to such a series (11) or changes its last row (22); other numbers do nothing.
+  void UpdateBasicVectorData(std::string_view name, double value, std::uint8_t addOrUpdate);
+  enum BarChange : std::int32_t { kNewBar = 1, kChangedLastBar = 2 };
+  /// Takes a bar into the series. 0, or -1 when a series of the host has no row to change. All rows stay as
+  /// they were when memory runs out.
+  std::int32_t ApplyBarChange(const Bar& bar, std::int32_t mode);
+  /// Runs the prepared script over `bars`; the result is that of RunScript().
+  std::string RunFast(bool rowScan, bool dryRun);
+  /// Drops all data and the script; the engine must be set up anew.
+  void ClearIncremental();
+  /// Bars that a script asks for on this way: the estimate without doubling.
+  static std::int32_t EstimateLookbackFast(std::string_view script);
+
+  /// A text made ready for evaluation, once for each text.
+  Expression& expressionOf(std::string_view text);
+  /// Evaluates it into its entry in `variables` and brings the rows up to date that can have changed. The
+  /// answer is the entry (a constant's for a constant's name), valid until entries are removed.
+  const StoreEntry& EvaluateFast(Expression& expression);
+  /// The next run makes all rows of all expressions anew. Functions resume all the same. For tests.
+  void forgetRows();
+  /// Calls a function; null, and `errorText` set, when the call fails. The argument values of the site are
+  /// those of this run.
+  StoreEntry* EvaluateFunctionFast(CallSite& site);
+  /// The entry that an argument text names. Null when there is none, with an error unless the text is empty.
+  StoreEntry* GetVectorRef(std::string_view text);
+  /// A new entry: a constant when its name is a number text, else `windowLength` rows of 0.0. Null, and the
+  /// run ended, when no room is left.
+  StoreEntry* AddStoreEntry(std::string_view name);
+  /// The work series of the call that is running.
+  WorkStore& workSeries() { return workSeries_; }
+  /// The rows and the price variables of this run, as resumable indicators take them.
+  PriceSources priceSources();
+  /// Says that rows of an entry have changed, from this one on.
+  void noteChange(StoreEntry& entry, std::size_t fromRow) { entry.changes.note(++moment_, fromRow); }
+  std::uint64_t moment() const { return moment_; }
+  /// Adds an entry to the outputs of this run, once.
+  void listOutput(StoreEntry& entry);
 
   // Binding of arguments. Texts are trimmed pieces of the argument text.
   /// Splits at commas outside brackets, into at most nine pieces; too few for `required` sets the error.
@@ -102,6 +159,16 @@ class CScriptEngine {
   bool eventListMode = false;            ///< the output is the list of event rows
   ScriptVariable result;                 ///< of the last main expression
 
+  // Of the incremental way.
+  static constexpr std::int32_t kKeepScripts = 101;  ///< a further preparation adds its statements
+  static constexpr std::int32_t kReplaceScript =
+      102;  ///< a preparation drops what was before; outputs have no dates
+  std::int32_t retrieveMode = kKeepScripts;
+  std::vector<std::string> fastSeries;      ///< the prepared SET statements, normalised
+  std::string preparedScript;               ///< the prepared main expression, normalised
+  std::vector<StoreEntry*> outputEntries;   ///< what `outputNames` is on the whole-history way
+  const StoreEntry* resultEntry = nullptr;  ///< of the last main expression
+
  private:
   ScriptVariable EvaluateTerm(std::string_view text, std::size_t& position);
   ScriptVariable scan(std::string_view text);
@@ -113,6 +180,28 @@ class CScriptEngine {
   void evaluateStatements(const std::vector<std::string>& sets, const std::string& main,
                           std::string& resultText);
   void readSourceStatements(std::string& script);
+  struct Program;
+  enum class Way { kWholeHistory, kIncremental };
+  std::string readProgram(std::string_view script, Way way, Program& program);
+
+  friend class Fold;
+  bool bindCall(CallSite& site);
+  bool runCall(CallSite& site, StoreEntry& result);
+  StoreEntry* resultOf(CallSite& site);
+  StoreEntry* entryOf(Expression& expression);
+  StoreEntry* lookupFast(std::string_view name);
+  StoreEntry* dateEntry();
+  void rememberFast(Expression& statement, const StoreEntry& value);
+  void copyToVariable(const Expression& statement, const StoreEntry& value, StoreEntry& variable);
+  void forgetExpressions();
+  std::int32_t changeLastRow(const Bar& bar);
+  void addRow(std::size_t variable, const Bar& bar);
+  void dropRow(std::size_t variable);
+  Series* fieldBeside(std::size_t variable);
+  void takeLevel(StoreEntry& entry, double value);
+  void evaluateArgumentsFast(CallSite& site);
+  std::string runStatements();
+  void testTimeLimit();
 
   std::string scriptText_;       ///< the script as handed to the driver: upper-cased, without comments
   std::vector<Bar> madeUpBars_;  ///< of a dry run with too few bars
@@ -120,12 +209,27 @@ class CScriptEngine {
   int depth_ = 0;               ///< evaluations inside one another
   std::uint64_t rowsHeld_ = 0;  ///< rows of all entries that this run has made
   bool aborted_ = false;
+
+  std::unique_ptr<ExpressionTable> expressions_;
+  TransientStore workSeries_{variables};
+  std::uint64_t moment_ = 0;  ///< of the last change of an entry's rows
+  std::uint64_t runNumber_ = 0;
+  std::string_view lastCall_;   ///< the name in front of the bracket that was read last
+  std::size_t datesTaken_ = 0;  ///< rows of the entry "DATE" that are filled
+  std::array<const StoreEntry*, 5> priceEntries_{};
+  std::uint64_t priceShape_ = 0;
+  std::vector<Expression*> prepared_;  ///< the statements and the main expression
+  std::size_t reservedEntries_ = 0;
+  bool patternKnown_ = false;         ///< `candlePattern` is that of the script
+  std::uint32_t sinceClockRead_ = 0;  ///< evaluations of the incremental way
 };
 
 /// More evaluations inside one another end the run.
 inline constexpr int kMaxDepth = 1000;
 /// More entries than this in the store of variables refuse a further one.
 inline constexpr std::size_t kMaxVariables = 500;
+/// Room that is reserved at once for a series of the host.
+inline constexpr std::size_t kMostReservedRows = std::size_t{1} << 20;
 /// More rows than this in the store of variables (8 GiB) end the run.
 inline constexpr std::uint64_t kMaxRowsHeld = std::uint64_t{1} << 30;
 

@@ -61,44 +61,46 @@ std::int32_t TransientStore::getTransientField(std::string_view name, std::strin
 }
 
 WorkField TransientStore::field(std::string_view name, std::initializer_list<KeyPart> parts) {
-  std::int32_t entry;
-  if (const Known* known = recall(name, parts)) {
-    entry = known->entry;
-  } else {
-    entry = getTransientField(name, parameterText(parts), true, 0);
-    if (entry >= 0) remember(name, parts, entry);
+  StoreEntry* entry = memo_->recall(name, parts);
+  if (!entry) {
+    const std::int32_t at = getTransientField(name, parameterText(parts), true, 0);
+    if (at >= 0) {
+      entry = &variables_[static_cast<std::size_t>(at)];
+      memo_->remember(name, parts, entry);
+    } else {
+      entry = &spare_.emplace_back();
+      entry->name = name;
+      entry->values.assign(rows_, NULL_VALUE);
+    }
   }
-  if (entry < 0)
-    spare_.push_back({std::string(name), NULL_VALUE, Series(rows_, NULL_VALUE), -1, kComputedVariable});
-  ScriptVariable& variable = entry >= 0 ? variables_[static_cast<std::size_t>(entry)] : spare_.back();
-  return {variable.values.edit(), &variable.slot, variable.name};
+  return {entry->values.edit(), &entry->slot, entry->name};
 }
 
 void TransientStore::forget() {
-  known_.clear();
+  own_.clear();
   spare_.clear();
+  memo_ = &own_;
 }
 
-const TransientStore::Known* TransientStore::recall(std::string_view name,
-                                                    std::initializer_list<KeyPart> parts) const {
-  for (const Known& known : known_) {
-    if (known.name == name &&
-        std::equal(known.parts.begin(), known.parts.end(), parts.begin(), parts.end(), same)) {
-      return &known;
+StoreEntry* FieldMemo::recall(std::string_view name, std::initializer_list<KeyPart> parts) {
+  // An operation asks for the same fields in the same order each time, so the next one is the likely one.
+  for (std::size_t tried = 0; tried < known_.size(); ++tried) {
+    if (next_ >= known_.size()) next_ = 0;
+    const Known& known = known_[next_++];
+    if (known.name == name && known.parts.size() == parts.size() &&
+        std::equal(known.parts.begin(), known.parts.end(), parts.begin(), same)) {
+      return known.entry;
     }
   }
   return nullptr;
 }
 
-void TransientStore::remember(std::string_view name, std::initializer_list<KeyPart> parts,
-                              std::int32_t entry) {
+void FieldMemo::remember(std::string_view name, std::initializer_list<KeyPart> parts, StoreEntry* entry) {
   Known& known = known_.emplace_back(Known{std::string(name), parts, {}, entry});
-  known.texts.reserve(known.parts.size());
   for (KeyPart& part : known.parts) {
-    if (part.kind != KeyPart::kText) continue;
-    known.texts.emplace_back(part.text);
-    part.text = known.texts.back();
+    if (part.kind == KeyPart::kText) part.text = known.texts.emplace_back(part.text);
   }
+  next_ = known_.size();
 }
 
 }  // namespace brindlewort

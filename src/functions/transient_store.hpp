@@ -15,16 +15,37 @@ namespace brindlewort {
 /// in brackets becomes the bare number, so that "(14)" and "14" are one key.
 void NormalizeKey(std::string& text);
 
+/// Where a caller found its work series, in the order in which it asks for them: saves making the texts of
+/// their keys again. Holds good as long as no entry of the variables is removed.
+class FieldMemo {
+ public:
+  void clear() { known_.clear(); }
+
+ private:
+  friend class TransientStore;
+  struct Known {
+    std::string name;
+    std::vector<KeyPart> parts;
+    std::deque<std::string> texts;  ///< what the parts' texts point to
+    StoreEntry* entry;
+  };
+  StoreEntry* recall(std::string_view name, std::initializer_list<KeyPart> parts);
+  void remember(std::string_view name, std::initializer_list<KeyPart> parts, StoreEntry* entry);
+
+  std::deque<Known> known_;
+  std::size_t next_ = 0;
+};
+
 /// The work series of resumable indicators. They live among the engine's variables, each under the text of a
 /// call with its parameters, so that every distinct list of parameters has a series of its own and resumes
-/// where it stopped. The variables must have room reserved: entries must not move while an operation holds
-/// them. Past the reserve a spare series is handed out, which lives no longer than this object, and
-/// exhausted() tells.
+/// where it stopped. When the variables are full, a spare series is handed out, which lives no longer than
+/// this object, and exhausted() tells.
 class TransientStore : public WorkStore {
  public:
   /// Over the variables of an engine whose series have `rows` rows.
   explicit TransientStore(VariableStore& variables, std::size_t rows = 0)
       : variables_(variables), rows_(rows) {}
+  TransientStore(const TransientStore&) = delete;
 
   /// The number of the entry in the variables, made when it is absent with `size` null rows (0: as many as
   /// the run has) and slot -1. With `appendParameters` the key is the call text of name and parameters, else
@@ -35,27 +56,23 @@ class TransientStore : public WorkStore {
   WorkField field(std::string_view name, std::initializer_list<KeyPart> parts) override;
 
   void setRows(std::size_t rows) { rows_ = rows; }
+  /// From now on fields are asked for by the owner of this memo, from its first one.
+  void askFor(FieldMemo& memo) {
+    memo_ = &memo;
+    memo.next_ = 0;
+  }
   /// A field was wanted for which no room was left.
   bool exhausted() const { return !spare_.empty(); }
-  /// Forgets where fields were found; to be called when entries of the variables were dropped.
+  /// Forgets the spare series and where fields were found; to be called when entries of the variables were
+  /// dropped.
   void forget();
 
  private:
-  /// Where a field was found last; saves making the key's text again.
-  struct Known {
-    std::string name;
-    std::vector<KeyPart> parts;
-    std::vector<std::string> texts;  ///< what the parts' texts point to
-    std::int32_t entry;
-  };
-
-  const Known* recall(std::string_view name, std::initializer_list<KeyPart> parts) const;
-  void remember(std::string_view name, std::initializer_list<KeyPart> parts, std::int32_t entry);
-
   VariableStore& variables_;
   std::size_t rows_;
-  std::deque<Known> known_;
-  std::deque<ScriptVariable> spare_;
+  FieldMemo own_;
+  FieldMemo* memo_ = &own_;
+  std::deque<StoreEntry> spare_;
 };
 
 /// The parts of a key as a text: joined with ",", numbers with 20 decimals, moving average types by their

@@ -3,18 +3,25 @@
 #include <algorithm>
 #include <utility>
 
+#include "series/text.hpp"
+
 namespace brindlewort {
 
 std::size_t VariableStore::append(ScriptVariable variable) {
   const std::size_t i = entries_.size();
   first_.try_emplace(variable.name, i);
-  entries_.push_back(std::move(variable));
+  entries_.emplace_back();
+  static_cast<ScriptVariable&>(entries_.back()) = std::move(variable);
+  entries_.back().hasNumberName = IsNumberText(entries_.back().name);
+  ++shape_;
   return i;
 }
 
 void VariableStore::rename(std::size_t i, std::string name) {
   const std::string before = std::exchange(entries_[i].name, std::move(name));
   if (before == entries_[i].name) return;
+  entries_[i].hasNumberName = IsNumberText(entries_[i].name);
+  ++shape_;
   if (const auto at = first_.find(before); at != first_.end() && at->second == i) {
     const std::ptrdiff_t next = scan(before, true);
     if (next == kNotFound) {
@@ -31,6 +38,17 @@ void VariableStore::clear() {
   entries_.clear();
   first_.clear();
   pending_.clear();
+  ++shape_;
+}
+
+void VariableStore::keepIf(const std::function<bool(std::size_t, const StoreEntry&)>& keep) {
+  std::deque<StoreEntry> kept;
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    if (keep(i, entries_[i])) kept.push_back(std::move(entries_[i]));
+  }
+  clear();
+  entries_ = std::move(kept);
+  for (std::size_t i = 0; i < entries_.size(); ++i) first_.try_emplace(entries_[i].name, i);
 }
 
 std::ptrdiff_t VariableStore::find(std::string_view name) const {
@@ -38,9 +56,22 @@ std::ptrdiff_t VariableStore::find(std::string_view name) const {
   return at == first_.end() ? kNotFound : static_cast<std::ptrdiff_t>(at->second);
 }
 
-const ScriptVariable* VariableStore::get(std::string_view name) const {
+const StoreEntry* VariableStore::get(std::string_view name) const {
   const std::ptrdiff_t i = find(name);
   return i == kNotFound ? nullptr : &entries_[static_cast<std::size_t>(i)];
+}
+
+StoreEntry* VariableStore::get(std::string_view name) {
+  return const_cast<StoreEntry*>(std::as_const(*this).get(name));
+}
+
+StoreEntry* VariableStore::getNamed(std::string_view name) {
+  StoreEntry* first = get(name);
+  if (!first || !first->madeForText) return first;
+  for (StoreEntry& entry : entries_) {
+    if (!entry.madeForText && entry.name == name) return &entry;
+  }
+  return nullptr;
 }
 
 void VariableStore::setPending(std::size_t i, bool pending) {

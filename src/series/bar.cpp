@@ -6,7 +6,24 @@
 
 namespace brindlewort {
 
+void BarStore::AppendRecord(const Bar& bar) {
+  rising_ = rising_ && (bars_.empty() || bar.JDate > bars_.back().JDate) && bar.JDate == bar.JDate;
+  bars_.push_back(bar);
+}
+
+void BarStore::ClearRecords() {
+  bars_.clear();
+  rising_ = true;
+}
+
 std::ptrdiff_t BarStore::findDate(double date) const {
+  if (rising_) {
+    // A host mostly asks for its last bar.
+    if (!bars_.empty() && bars_.back().JDate == date) return static_cast<std::ptrdiff_t>(bars_.size()) - 1;
+    const auto at = std::lower_bound(bars_.begin(), bars_.end(), date,
+                                     [](const Bar& bar, double wanted) { return bar.JDate < wanted; });
+    return at != bars_.end() && at->JDate == date ? at - bars_.begin() : kNotFound;
+  }
   for (std::size_t row = 0; row < bars_.size(); ++row) {
     if (bars_[row].JDate == date) return static_cast<std::ptrdiff_t>(row);
   }
@@ -23,7 +40,10 @@ bool BarStore::EditRecord(const Bar& bar) {
 bool BarStore::EditJDate(double oldDate, double newDate) {
   const std::ptrdiff_t row = findDate(oldDate);
   if (row == kNotFound) return false;
-  bars_[static_cast<std::size_t>(row)].JDate = newDate;
+  const std::size_t at = static_cast<std::size_t>(row);
+  bars_[at].JDate = newDate;
+  rising_ = rising_ && newDate == newDate && (at == 0 || newDate > bars_[at - 1].JDate) &&
+            (at + 1 == bars_.size() || newDate < bars_[at + 1].JDate);
   return true;
 }
 

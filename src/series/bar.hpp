@@ -21,17 +21,19 @@ struct Bar {
 static_assert(sizeof(Bar) == 64 && std::is_trivially_copyable_v<Bar>);
 
 /// The bars of one instrument in the host's order. Nothing sorts them or looks for equal dates; every
-/// search by date compares exactly, walks from the first bar and takes the first match.
+/// search by date compares exactly and takes the first match.
 class BarStore {
  public:
   static constexpr std::ptrdiff_t kNotFound = -1;
 
-  void AppendRecord(const Bar& bar) { bars_.push_back(bar); }
+  void AppendRecord(const Bar& bar);
+  /// Takes the last bar away again.
+  void dropLast() { bars_.pop_back(); }
   /// Replaces the whole first bar of this date. False when there is none.
   bool EditRecord(const Bar& bar);
   /// Changes only the date of the first bar of date `oldDate`; later rows do not move.
   bool EditJDate(double oldDate, double newDate);
-  void ClearRecords() { bars_.clear(); }
+  void ClearRecords();
   std::int32_t RecordCount() const { return static_cast<std::int32_t>(bars_.size()); }
 
   /// Row of the first bar with exactly this date, or kNotFound.
@@ -45,16 +47,16 @@ class BarStore {
   std::size_t size() const { return bars_.size(); }
   bool empty() const { return bars_.empty(); }
   const Bar& operator[](std::size_t row) const { return bars_[row]; }
-  Bar& operator[](std::size_t row) { return bars_[row]; }
+  /// Replaces a bar by another of the same date.
+  void replace(std::size_t row, const Bar& bar) { bars_[row] = bar; }
   const Bar& back() const { return bars_.back(); }
   /// Room for `more` bars, grown in proportion, so that blocks of any size are appended in linear time.
   void makeRoom(std::size_t more);
-  /// `bars` is not this store's own vector.
-  void insertFront(const std::vector<Bar>& bars) { bars_.insert(bars_.begin(), bars.begin(), bars.end()); }
   const std::vector<Bar>& rows() const { return bars_; }
 
  private:
   std::vector<Bar> bars_;
+  bool rising_ = true;  ///< each date is later than the one before, so a date can be found by halving
 };
 
 /// A volume as the host reads it back: cut to a 32-bit integer, the most negative one when out of range.

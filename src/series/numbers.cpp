@@ -156,6 +156,22 @@ bool appendCommon(std::string& text, double value, int decimals) {
   return true;
 }
 
+/// The fixed notation of numbers of a common magnitude with 1 to 9 decimals. False, with nothing appended,
+/// for all others.
+bool appendCommonRounded(std::string& text, double value, int decimals) {
+  std::optional<SplitNumber> number = splitCommon(value);
+  if (!number) return false;
+  BinaryFraction& rest = number->fraction;
+  std::uint32_t kept = rest.take(decimals);
+  if (rest.isAtLeastHalf() && !(rest.isHalf() && kept % 2 == 0)) ++kept;
+  if (kept == kPowersOfTen[decimals]) kept = 0, ++number->whole;
+  BackwardWriter writer;
+  writer.digits(kept, decimals);
+  writer.pointAndWhole(number->whole, std::signbit(value));
+  writer.appendTo(text, 0);
+  return true;
+}
+
 /// A finite value written with 20 decimals, correctly rounded (a tie to the even digit), and cut after
 /// `decimals` of them (1 to 20).
 void appendDecimals(std::string& text, double value, int decimals) {
@@ -206,6 +222,7 @@ void appendFixed(std::string& text, double value, int precision) {
     return;
   }
   if (precision == kFullDecimals && appendCommon(text, value, kFullDecimals)) return;
+  if (precision >= 1 && precision <= 9 && appendCommonRounded(text, value, precision)) return;
   char buffer[kLongestNumber];
   const int decimals = std::clamp(precision, 0, kMostDecimals);
   text.append(buffer, std::to_chars(buffer, std::end(buffer), value, std::chars_format::fixed, decimals).ptr);
@@ -255,6 +272,14 @@ std::int32_t parseInt32(std::string_view text) {
   const std::uint64_t largest = std::numeric_limits<std::int32_t>::max();
   if (read.ec == std::errc::result_out_of_range || size > largest) return INT32_MIN;
   return negative ? -static_cast<std::int32_t>(size) : static_cast<std::int32_t>(size);
+}
+
+double throughText(double value) {
+  // From 1e-3 on, 20 decimals are 17 significant digits or more, from which the same double is read.
+  const double size = std::fabs(value);
+  if (size >= 1e-3 && size <= std::numeric_limits<double>::max()) return value;
+  if (value == 0.0) return value;
+  return parseDouble(FormatFixed(value, 20));
 }
 
 }  // namespace brindlewort

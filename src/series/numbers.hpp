@@ -31,6 +31,10 @@ inline std::int64_t QuantizeForCompare(double x) {
 std::string FormatFixed(double value, int precision);
 void appendFixed(std::string& text, double value, int precision);
 
+/// What is left of a value written with FormatFixed(value, 20) and read again: the value itself, unless it is
+/// smaller than some 1e-3 or no finite number.
+double throughText(double value);
+
 /// The short number form of output rows: 1e-10 is added away from zero, the value is written with 20
 /// decimals and cut (not rounded) after `decimals` (at least 1). "-987654321" for the NULL_VALUE, an
 /// infinity or a non-number; "0" for exactly 0.0.

@@ -103,12 +103,6 @@ Series Series::uninitialized(std::size_t rows) {
   return series;
 }
 
-Out Series::edit() {
-  if (!buffer_) return {};
-  makeRoom(buffer_->size);
-  return {buffer_->rows(), buffer_->size};
-}
-
 void Series::makeRoom(std::size_t capacity) {
   if (buffer_ && buffer_->owners == 1 && buffer_->capacity >= capacity) return;
   Buffer* fresh = allocate(std::max(capacity, size()));
@@ -144,13 +138,8 @@ void Series::resize(std::size_t rows, double fill) {
   buffer_->size = rows;
 }
 
-void Series::push_back(double value) {
-  const std::size_t rows = size();
-  if (!buffer_ || buffer_->owners > 1 || buffer_->capacity == rows) {
-    makeRoom(std::max<std::size_t>(16, roomToGrow(rows + 1)));
-  }
-  buffer_->rows()[rows] = value;
-  buffer_->size = rows + 1;
+void Series::growForOne() {
+  makeRoom(std::max<std::size_t>(16, roomToGrow(size() + 1)));
 }
 
 void Series::reserve(std::size_t rows) {

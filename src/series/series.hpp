@@ -58,7 +58,9 @@ class Series {
   Series(Series&& other) noexcept : buffer_(other.buffer_) { other.buffer_ = nullptr; }
   Series& operator=(const Series& other) noexcept;
   Series& operator=(Series&& other) noexcept;
-  ~Series() { release(); }
+  ~Series() {
+    if (buffer_) release();
+  }
 
   /// A series of `rows` rows whose contents are unspecified; every row must be written before it is read.
   static Series uninitialized(std::size_t rows);
@@ -75,7 +77,11 @@ class Series {
 
   /// The rows for writing. Copies first when the buffer is shared. The span is valid until the series
   /// is resized, assigned or destroyed.
-  Out edit();
+  Out edit() {
+    if (!buffer_) return {};
+    if (buffer_->owners > 1) makeRoom(buffer_->size);
+    return {buffer_->rows(), buffer_->size};
+  }
   void set(std::size_t row, double value) { edit()[row] = value; }
 
   void assign(std::size_t rows, double fill);
@@ -83,8 +89,15 @@ class Series {
   /// a series may grow by one row at a time.
   void resize(std::size_t rows, double fill);
   /// Amortised constant time.
-  void push_back(double value);
+  void push_back(double value) {
+    if (!buffer_ || buffer_->owners > 1 || buffer_->capacity == buffer_->size) growForOne();
+    buffer_->rows()[buffer_->size++] = value;
+  }
+  /// Takes the last row away.
+  void pop_back() { resize(size() - 1, 0.0); }
   void reserve(std::size_t rows);
+  /// The next row moves the rows to another place in memory.
+  bool full() const { return !buffer_ || buffer_->capacity == buffer_->size; }
   void clear();
 
  private:
@@ -99,7 +112,8 @@ class Series {
   static Buffer* allocate(std::size_t capacity);
   static void free(Buffer* buffer);
   void release();
-  void makeRoom(std::size_t capacity);             // unique, with at least this capacity, rows kept
+  void makeRoom(std::size_t capacity);  // unique, with at least this capacity, rows kept
+  void growForOne();
   std::size_t roomToGrow(std::size_t rows) const;  // capacity to ask for when `rows` rows are to fit
 
   Buffer* buffer_ = nullptr;

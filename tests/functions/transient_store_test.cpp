@@ -11,7 +11,7 @@ namespace {
 using testing::Rows;
 
 struct Fixture : ::testing::Test {
-  Fixture() { variables.reserve(10); }
+  Fixture() { variables.setLimit(10); }
   VariableStore variables;
   TransientStore store{variables, 5};
 };

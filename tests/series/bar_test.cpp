@@ -139,13 +139,28 @@ TEST(BarStore, ClearLeavesNoBars) {
   EXPECT_EQ(store.findDate(10.0), BarStore::kNotFound);
 }
 
-TEST(BarStore, BarsPutInFrontPushTheOthersBack) {
-  BarStore store = storeOf({10.0});
-  store.insertFront({barOf(1.0, 0.0), barOf(2.0, 0.0)});
-  ASSERT_EQ(store.RecordCount(), 3);
-  EXPECT_EQ(store[0].JDate, 1.0);
-  EXPECT_EQ(store[1].JDate, 2.0);
-  EXPECT_EQ(store[2].JDate, 10.0);
+TEST(BarStore, ADateIsFoundInRisingAndInUnorderedBarsAlike) {
+  // Rising bars are searched by halving, others one after the other; the first match wins in both.
+  BarStore rising = storeOf({10.0, 20.0, 30.0});
+  EXPECT_EQ(rising.findDate(30.0), 2);
+  EXPECT_EQ(rising.findDate(10.0), 0);
+  EXPECT_EQ(rising.findDate(15.0), BarStore::kNotFound);
+  EXPECT_EQ(rising.findDate(kNaN), BarStore::kNotFound);
+  EXPECT_TRUE(rising.EditJDate(20.0, 40.0));  // 10, 40, 30: no longer rising
+  EXPECT_EQ(rising.findDate(30.0), 2);
+  EXPECT_EQ(rising.findDate(40.0), 1);
+  EXPECT_EQ(storeOf({20.0, 10.0, 20.0}).findDate(20.0), 0);
+  EXPECT_EQ(storeOf({10.0, 20.0, 20.0}).findDate(20.0), 1);
+  BarStore cleared = storeOf({20.0, 10.0});
+  cleared.ClearRecords();
+  EXPECT_EQ(cleared.findDate(10.0), BarStore::kNotFound);
+}
+
+TEST(BarStore, TheLastBarCanBeTakenAway) {
+  BarStore store = storeOf({10.0, 20.0});
+  store.dropLast();
+  EXPECT_EQ(store.RecordCount(), 1);
+  EXPECT_EQ(store.findDate(20.0), BarStore::kNotFound);
 }
 
 TEST(BarStore, AVolumeIsReadBackCut) {

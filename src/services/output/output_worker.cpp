@@ -80,12 +80,11 @@ void appendHeading(std::string& text, const std::vector<OutputColumn>& columns) 
   text += kLineEnd;
 }
 
-/// The numbers of the bars where the main result is exactly 1, from the lookback on.
-std::string eventList(const CScriptEngine& engine, std::int32_t lookback) {
+/// The numbers of the rows where the main result is exactly 1, from the lookback on, `step` further.
+std::string eventList(View rows, std::int32_t lookback, std::size_t step) {
   std::string list;
-  const View rows = engine.result.values.view();
   for (std::size_t i = static_cast<std::size_t>(lookback); i <= rows.size(); ++i) {
-    if (rows[i - 1] == 1.0) list += std::to_string(i + 1) + ",";
+    if (rows[i - 1] == 1.0) list += std::to_string(i + step) + ",";
   }
   return list;
 }
@@ -134,7 +133,7 @@ std::string outputText(CScriptEngine& engine, std::string_view hostScript, std::
     const std::string script = prepare(engine, hostScript);
     const std::int32_t lookback = engine.EstimateLookback(script);
     std::string text = run(engine, script);
-    if (text.empty()) text = eventList(engine, lookback);
+    if (text.empty()) text = eventList(engine.result.values.view(), lookback, 1);
     finish(engine);
     return text;
   }
@@ -171,6 +170,106 @@ std::string headingText(CScriptEngine& engine, std::string_view hostScript) {
   text = "Date,Open,High,Low,Close,Volume";
   appendHeading(text, columns);
   return text;
+}
+
+// ---- The incremental way
+// ------------------------------------------------------------------------------------
+
+namespace {
+
+/// Runs the prepared script; the text is what ends the work, or empty.
+std::string runPrepared(CScriptEngine& engine) {
+  engine.outputSummary.clear();
+  const std::string text = engine.RunFast(false, false);
+  engine.wholeHistory = false;
+  if (!engine.errorText.empty()) return engine.errorText;
+  return text == "ALERT" ? std::string() : text;
+}
+
+std::vector<std::string> namesOf(const std::vector<StoreEntry*>& entries) {
+  std::vector<std::string> names;
+  names.reserve(entries.size());
+  for (const StoreEntry* entry : entries) names.push_back(entry->name);
+  return names;
+}
+
+}  // namespace
+
+std::string runPreparedForOutput(CScriptEngine& engine, std::string_view outputSets,
+                                 std::vector<OutputColumn>& columns) {
+  std::string text = runPrepared(engine);
+  if (text.empty()) {
+    engine.outputNames = namesOf(engine.outputEntries);
+    filterNames(engine.outputNames, outputSets);
+    collectColumns(engine, columns);
+    engine.outputNames.clear();
+  }
+  return text;
+}
+
+std::string preparedOutputText(CScriptEngine& engine, std::string_view hostScript, std::int32_t mapCount,
+                               std::string_view outputSets) {
+  if (hostScript.empty()) return {};
+  if (engine.eventListMode) {
+    std::string text = runPrepared(engine);
+    if (!text.empty()) return text;
+    const std::string script = withShortNames(upperCase(hostScript));
+    return eventList(engine.resultEntry->values.view(), CScriptEngine::EstimateLookbackFast(script), 0);
+  }
+  std::vector<OutputColumn> columns;
+  std::string text = runPreparedForOutput(engine, outputSets, columns);
+  if (!text.empty()) return text;
+
+  // Rows match the bars one to one.
+  const std::size_t first = mapCount > 0 ? static_cast<std::size_t>(mapCount) - 1 : 0;
+  const std::size_t bars = engine.bars.size();
+  const bool dated = engine.retrieveMode != CScriptEngine::kReplaceScript;
+  if (dated) text = "Date";
+  appendHeading(text, columns);
+  if (!dated && text.starts_with(',')) text.erase(0, 1);
+  for (std::size_t i = first; i < bars; ++i) {
+    if (dated) appendDateTimeText(text, engine.bars[i].JDate);
+    bool comma = dated;
+    for (const OutputColumn& column : columns) {
+      if (column.values.size() <= i) {
+        text += kBehindTheEnd;
+      } else {
+        if (comma) text += ',';
+        appendTruncated(text, column.values[i], 4);
+      }
+      comma = true;
+    }
+    text += kLineEnd;
+  }
+  return text;
+}
+
+std::string preparedHeadingText(CScriptEngine& engine, std::string_view hostScript) {
+  if (hostScript.empty()) return {};
+  std::vector<OutputColumn> columns;
+  std::string text = runPreparedForOutput(engine, "", columns);
+  if (!text.empty()) return text;
+  text = "Date,Open,High,Low,Close,Volume";
+  appendHeading(text, columns);
+  return text;
+}
+
+bool runPreparedForPointers(CScriptEngine& engine, std::string_view outputSets,
+                            std::vector<StoreEntry*>& entries) {
+  if (!runPrepared(engine).empty()) return false;
+  if (outputSets.empty()) {
+    entries = engine.outputEntries;
+    return true;
+  }
+  std::vector<std::string> names = namesOf(engine.outputEntries);
+  filterNames(names, outputSets);
+  entries.clear();
+  for (const std::string& name : names) {
+    if (const ScriptVariable* entry = findEntry(engine, name)) {
+      entries.push_back(const_cast<StoreEntry*>(static_cast<const StoreEntry*>(entry)));
+    }
+  }
+  return true;
 }
 
 }  // namespace brindlewort

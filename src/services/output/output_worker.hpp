@@ -26,4 +26,16 @@ std::string headingText(CScriptEngine& engine, std::string_view script);
 /// The bar that the first line is about, from 0. Bars 0 and 1 are the fillers' places.
 std::size_t firstOutputBar(std::int32_t mapCount);
 
+// ---- The same for the prepared script of a living engine. The host's script serves its tests alone: for an
+// empty text, and for the lookback of the event list.
+
+std::string runPreparedForOutput(CScriptEngine& engine, std::string_view outputSets,
+                                 std::vector<OutputColumn>& columns);
+std::string preparedOutputText(CScriptEngine& engine, std::string_view script, std::int32_t mapCount,
+                               std::string_view outputSets);
+std::string preparedHeadingText(CScriptEngine& engine, std::string_view script);
+/// Runs and picks the entries of the output series; false when the run has failed.
+bool runPreparedForPointers(CScriptEngine& engine, std::string_view outputSets,
+                            std::vector<StoreEntry*>& entries);
+
 }  // namespace brindlewort

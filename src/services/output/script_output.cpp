@@ -5,6 +5,7 @@
 #include "functions/script_engine.hpp"
 #include "series/text.hpp"
 #include "services/output/output_worker.hpp"
+#include "services/output/pointer_block.hpp"
 
 namespace brindlewort {
 
@@ -36,7 +37,10 @@ std::optional<double> OutputTable::at(std::size_t column, std::size_t bar) const
   return values[bar - valueOffset];
 }
 
-CScriptOutput::CScriptOutput() : pool_(std::make_unique<SeriesPool>()) {}
+CScriptOutput::CScriptOutput()
+    : living_(std::make_unique<CScriptEngine>()),
+      pointers_(std::make_unique<PointerBlock>()),
+      pool_(std::make_unique<SeriesPool>()) {}
 CScriptOutput::~CScriptOutput() = default;
 CScriptOutput::CScriptOutput(CScriptOutput&&) noexcept = default;
 CScriptOutput& CScriptOutput::operator=(CScriptOutput&&) noexcept = default;
@@ -61,6 +65,8 @@ bool CScriptOutput::EditJDate(double OldJDate, double NewJDate) {
 void CScriptOutput::ClearRecords() {
   bars_.ClearRecords();
   livingBars_.ClearRecords();
+  pointers_->freeze();
+  living_->ClearIncremental();
 }
 
 const Bar* CScriptOutput::GetRecordByJDate(double JDate) const {
@@ -83,11 +89,9 @@ double CScriptOutput::GetJDate(std::int32_t Index) const {
 }
 
 std::optional<std::int32_t> CScriptOutput::GetRecordNumberByJDate(double JDate) const {
-  std::optional<std::int32_t> number;
-  for (std::size_t row = 0; row < livingBars_.size() && JDate > livingBars_[row].JDate; ++row) {
-    number = static_cast<std::int32_t>(row);
-  }
-  return number;
+  const std::ptrdiff_t row = livingBars_.lastRowBefore(JDate);
+  if (row < 0) return std::nullopt;
+  return static_cast<std::int32_t>(row);
 }
 
 // ---- Runs
@@ -99,18 +103,25 @@ template <class Work>
 auto CScriptOutput::guarded(Work work) -> decltype(work()) {
   try {
     const SeriesPool::Scope scope(*pool_);
+    lastRun_ = nullptr;
     engine_.reset();
     engine_ = std::make_unique<CScriptEngine>();
+    lastRun_ = engine_.get();
     auto result = work();
     engine_->bars.clear();
     pool_->trim();
     return result;
   } catch (const std::bad_alloc&) {
+    lastRun_ = nullptr;
     engine_.reset();
     pool_->trim();
-    if (ScriptError) ScriptError(std::string(kOutOfMemory));
+    outOfMemory();
     return {};
   }
+}
+
+void CScriptOutput::outOfMemory() {
+  if (ScriptError) ScriptError(std::string(kOutOfMemory));
 }
 
 /// Gives the fresh engine the component's bars. When all bars are asked for, two fillers stand in front: the
@@ -175,13 +186,129 @@ std::optional<std::string> CScriptOutput::GetCustomIndFromCondition(std::string_
   });
 }
 
+// ---- The incremental way
+// ------------------------------------------------------------------------------------
+
+void CScriptOutput::InitialiseTransientStore(std::int32_t variablesSize) {
+  pointers_->freeze();
+  living_->InitialiseTransientStore(variablesSize);
+}
+
+bool CScriptOutput::ProcessScripData(std::string_view script) {
+  pointers_->freeze();
+  std::string error;
+  return living_->ProcessScripData(script, error);
+}
+
+void CScriptOutput::SetDataRetrieveMode(std::int32_t mode) {
+  living_->SetDataRetrieveMode(mode);
+}
+
+void CScriptOutput::AddOrRemoveBasicVectorSeries(std::string_view name, std::int32_t size) {
+  pointers_->freeze();
+  living_->AddOrRemoveBasicVectorSeries(name, size);
+}
+
+void CScriptOutput::UpdateBasicVectorData(std::string_view name, double value, std::uint8_t AddorUpdate) {
+  pointers_->beforeGrowth();
+  living_->UpdateBasicVectorData(name, value, AddorUpdate);
+  pointers_->afterGrowth();
+}
+
+void CScriptOutput::GetVariableValuesLog(std::string_view) {}
+
+bool CScriptOutput::AppendRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice,
+                                     double ClosePrice, std::int32_t Volume) {
+  const Bar bar = makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume);
+  livingBars_.AppendRecord(bar);
+  std::int32_t status = -1;
+  try {
+    pointers_->beforeGrowth();
+    status = living_->ApplyBarChange(bar, CScriptEngine::kNewBar);
+  } catch (const std::bad_alloc&) {
+    livingBars_.dropLast();
+    outOfMemory();
+  }
+  pointers_->afterGrowth();
+  return status == 0;
+}
+
+std::optional<bool> CScriptOutput::EditRecord_New(double JDate, double OpenPrice, double HighPrice,
+                                                  double LowPrice, double ClosePrice, std::int32_t Volume) {
+  const std::ptrdiff_t row = livingBars_.findDate(JDate);
+  if (row == BarStore::kNotFound) return false;
+  const Bar bar = makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume);
+  const std::int32_t status = living_->ApplyBarChange(bar, CScriptEngine::kChangedLastBar);
+  livingBars_.replace(static_cast<std::size_t>(row), bar);
+  return status == 0 ? std::optional<bool>(true) : std::nullopt;
+}
+
+bool CScriptOutput::EditJDate_New(double OldJDate, double NewJDate) {
+  return livingBars_.EditJDate(OldJDate, NewJDate);
+}
+
+/// Work on the living engine, which keeps its series when memory runs out.
+template <class Work>
+auto CScriptOutput::livingRun(std::string_view script, std::int32_t mapCount, Work work) ->
+    typename std::invoke_result<Work, CScriptEngine&>::type {
+  CScriptEngine& engine = *living_;
+  lastRun_ = &engine;
+  pointers_->endOfPromise();
+  typename std::invoke_result<Work, CScriptEngine&>::type result{};
+  try {
+    engine.bars.use(livingBars_.rows());
+    if (script != lastAsked_) {
+      lastAsked_ = script;
+      lastAsksForCandles_ = asksForCandles(script);
+    }
+    engine.candleOutputId = lastAsksForCandles_ ? 1 : 0;
+    engine.eventListMode = mapCount == -1;
+    result = work(engine);
+  } catch (const std::bad_alloc&) {
+    outOfMemory();
+  }
+  engine.eventListMode = false;
+  engine.candleOutputId = 0;
+  return result;
+}
+
+std::optional<std::string> CScriptOutput::GetScriptOutput_New(std::string_view DefaultScript,
+                                                              std::int32_t MapCount,
+                                                              std::string_view OutputSets) {
+  return livingRun(DefaultScript, MapCount, [&](CScriptEngine& engine) {
+    return answer(preparedOutputText(engine, DefaultScript, MapCount, OutputSets));
+  });
+}
+
+std::optional<std::string> CScriptOutput::GetCustomIndFromCondition_NEW(std::string_view DefaultScript) {
+  return livingRun(DefaultScript, 0, [&](CScriptEngine& engine) {
+    engine.candleOutputId = 0;
+    return answer(preparedHeadingText(engine, DefaultScript));
+  });
+}
+
+std::intptr_t CScriptOutput::GetScriptOutput_PTR(std::string_view DefaultScript, std::int32_t MapCount,
+                                                 std::string_view OutputSets) {
+  if (DefaultScript.empty()) return -1;
+  const PointerBlock::List* list = livingRun(DefaultScript, MapCount, [&](CScriptEngine& engine) {
+    engine.wholeHistory = true;
+    return runPreparedForPointers(engine, OutputSets, listed_) ? &pointers_->show(listed_) : nullptr;
+  });
+  return list ? reinterpret_cast<std::intptr_t>(list) : -1;
+}
+
+std::string_view CScriptOutput::lastFunction() const {
+  return lastRun_ ? std::string_view(lastRun_->currentFunction) : std::string_view();
+}
+
 const Series* CScriptOutput::findSeries(std::string_view name) const {
-  if (!engine_) return nullptr;
+  if (!lastRun_) return nullptr;
   const std::string wanted = upperCase(name);
-  const ScriptVariable* entry = engine_->variables.get(wanted);
+  const VariableStore& variables = lastRun_->variables;
+  const ScriptVariable* entry = variables.get(wanted);
   const std::string bare = withoutChar(wanted, ' ');
-  for (std::size_t i = 0; !entry && i < engine_->variables.size(); ++i) {
-    if (withoutChar(engine_->variables[i].name, ' ') == bare) entry = &engine_->variables[i];
+  for (std::size_t i = 0; !entry && i < variables.size(); ++i) {
+    if (withoutChar(variables[i].name, ' ') == bare) entry = &variables[i];
   }
   return entry ? &entry->values : nullptr;
 }

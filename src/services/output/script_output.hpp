@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "series/bar.hpp"
@@ -15,6 +16,8 @@
 namespace brindlewort {
 
 class CScriptEngine;
+class PointerBlock;
+struct StoreEntry;
 
 /// One output series of a run under the name it is printed with.
 struct OutputColumn {
@@ -71,8 +74,48 @@ class CScriptOutput {
   /// The heading line of the series a script would give.
   std::optional<std::string> GetCustomIndFromCondition(std::string_view DefaultScript);
 
+  // ---- The incremental way: an engine that stays alive. A script is prepared once, bars come one by one,
+  // and a run brings each series up to date where it stopped. ----
+
+  /// Sets the engine up, before its first bar, for so many variables (250 when below 10).
+  void InitialiseTransientStore(std::int32_t variablesSize);
+  /// Prepares a script; false when it is refused, which no event tells.
+  bool ProcessScripData(std::string_view script);
+  /// 101: a further preparation adds its SET statements. 102: it drops the script before, and outputs have no
+  /// dates.
+  void SetDataRetrieveMode(std::int32_t mode);
+  /// Adds a series that the host feeds; with a size of -987654321 removes it.
+  void AddOrRemoveBasicVectorSeries(std::string_view name, std::int32_t size);
+  /// Adds a row to such a series (11) or changes its last (22).
+  void UpdateBasicVectorData(std::string_view name, double value, std::uint8_t AddorUpdate);
+  /// Accepted for old hosts; writes nothing.
+  void GetVariableValuesLog(std::string_view path);
+
+  /// False when memory runs out; no bar is added then.
+  bool AppendRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice, double ClosePrice,
+                        std::int32_t Volume);
+  /// Replaces the first bar of this date; the series' last rows take its prices, whichever bar it is. False
+  /// when there is no such bar; nothing when a series of the host has no row to change (the bar is replaced
+  /// all the same).
+  std::optional<bool> EditRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice,
+                                     double ClosePrice, std::int32_t Volume);
+  bool EditJDate_New(double OldJDate, double NewJDate);
+
+  /// Runs the prepared script and gives its series as GetScriptOutput does; row i is bar i. The script given
+  /// here only tells whether there is one, whether it asks for candles, and the lookback of the event list.
+  std::optional<std::string> GetScriptOutput_New(std::string_view DefaultScript, std::int32_t MapCount,
+                                                 std::string_view OutputSets);
+  std::optional<std::string> GetCustomIndFromCondition_NEW(std::string_view DefaultScript);
+  /// The address of a list of the live series (PointerBlock::List), or -1. It holds until the next run.
+  std::intptr_t GetScriptOutput_PTR(std::string_view DefaultScript, std::int32_t MapCount,
+                                    std::string_view OutputSets);
+
   /// A series of the last run by the name a column shows or a script writes; null when unknown.
   const Series* findSeries(std::string_view name) const;
+
+  /// The function that the last run called last, the one that a failing script stopped in; the key to the
+  /// help that belongs to the run.
+  std::string_view lastFunction() const;
 
   const BarStore& bars() const { return bars_; }
   /// Room for `more` bars to be appended.
@@ -83,11 +126,21 @@ class CScriptOutput {
   std::optional<std::string> answer(std::string text);
   template <class Work>
   auto guarded(Work work) -> decltype(work());
+  template <class Work>
+  auto livingRun(std::string_view script, std::int32_t mapCount, Work work) ->
+      typename std::invoke_result<Work, CScriptEngine&>::type;
+  void outOfMemory();
 
   BarStore bars_;
   BarStore livingBars_;                    ///< of the incremental way
-  std::unique_ptr<SeriesPool> pool_;       ///< buffers of the run before, for the next
-  std::unique_ptr<CScriptEngine> engine_;  ///< of the last run
+  std::unique_ptr<CScriptEngine> living_;  ///< of the incremental way
+  std::unique_ptr<PointerBlock> pointers_;
+  std::vector<StoreEntry*> listed_;  ///< the entries that pointers_ shows
+  std::string lastAsked_;            ///< the script that the host gave with the last run
+  bool lastAsksForCandles_ = false;
+  std::unique_ptr<SeriesPool> pool_;        ///< buffers of the run before, for the next
+  std::unique_ptr<CScriptEngine> engine_;   ///< of the last run of the whole-history way
+  const CScriptEngine* lastRun_ = nullptr;  ///< of the last run of either way
 };
 
 }  // namespace brindlewort

@@ -3,8 +3,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "series/bar.hpp"
 
 /// What all functions of the C face share: statuses, texts, and the rule that nothing throws out.
 namespace brindlewort::c_face {
@@ -15,6 +18,8 @@ inline constexpr std::int32_t kNullArgument = -1;
 
 /// A true result of the record operations.
 inline constexpr std::int32_t kTrue = -1;
+/// A true result of a preparation or an evaluation.
+inline constexpr std::int32_t kPlainTrue = 1;
 
 inline std::string_view textOf(const char* text) {
   return text ? std::string_view(text) : std::string_view();
@@ -43,6 +48,38 @@ std::int32_t onHandle(Handle* handle, Call call) noexcept {
 template <class... Pointers>
 bool anyNull(Pointers... pointers) {
   return (... || (pointers == nullptr));
+}
+
+/// A text result: null when the call returns nothing.
+inline std::int32_t giveText(const std::optional<std::string>& text, char** out) {
+  *out = nullptr;
+  if (!text) return kSuccess;
+  *out = copyText(*text);
+  return *out ? kSuccess : kFailure;
+}
+
+inline std::int32_t giveBool(bool value, std::int32_t* out, std::int32_t whenTrue = kTrue) {
+  *out = value ? whenTrue : 0;
+  return kSuccess;
+}
+
+template <class Value>
+void put(Value* out, Value value) {
+  if (out) *out = value;
+}
+
+/// Gives a bar by out-pointers, null ones being skipped. `result` says whether there is one.
+inline std::int32_t giveBar(const Bar* bar, double* jdate, double* open, double* high, double* low,
+                            double* close, std::int32_t* volume, std::int32_t* result) {
+  if (bar) {
+    put(jdate, bar->JDate);
+    put(open, bar->OpenPrice);
+    put(high, bar->HighPrice);
+    put(low, bar->LowPrice);
+    put(close, bar->ClosePrice);
+    put(volume, volumeToInt32(bar->Volume));
+  }
+  return giveBool(bar != nullptr, result);
 }
 
 }  // namespace brindlewort::c_face

@@ -1,11 +1,14 @@
 #include "services/output/script_output.hpp"
 
+#include <cstddef>
 #include <new>
 
 #include "brindlewort/brindlewort.h"
 #include "series/julian_date.hpp"
 #include "series/numbers.hpp"
+#include "services/output/pointer_block.hpp"
 #include "shell/c/handle.hpp"
+#include "shell/help/script_help.hpp"
 
 using namespace brindlewort;
 using namespace brindlewort::c_face;
@@ -14,25 +17,12 @@ struct bw_script_output {
   CScriptOutput component;
 };
 
-namespace {
-
-/// A text result: null when the call returns nothing.
-std::int32_t giveText(const std::optional<std::string>& text, char** out) {
-  *out = nullptr;
-  if (!text) return kSuccess;
-  *out = copyText(*text);
-  return *out ? kSuccess : kFailure;
-}
-
-std::int32_t giveBool(bool value, std::int32_t* out) {
-  *out = value ? kTrue : 0;
-  return kSuccess;
-}
-
-}  // namespace
-
 bw_script_output* bw_script_output_create(void) {
-  return new (std::nothrow) bw_script_output;
+  try {
+    return new bw_script_output;
+  } catch (...) {
+    return nullptr;
+  }
 }
 
 void bw_script_output_destroy(bw_script_output* h) {
@@ -82,15 +72,8 @@ int32_t bw_script_output_get_record_by_jdate(bw_script_output* h, double jdate, 
                                              int32_t* volume, int32_t* result) {
   return onHandle(h, [&](bw_script_output& handle) {
     if (anyNull(open_price, high_price, low_price, close_price, volume, result)) return kNullArgument;
-    const Bar* bar = handle.component.GetRecordByJDate(jdate);
-    if (bar) {
-      *open_price = bar->OpenPrice;
-      *high_price = bar->HighPrice;
-      *low_price = bar->LowPrice;
-      *close_price = bar->ClosePrice;
-      *volume = volumeToInt32(bar->Volume);
-    }
-    return giveBool(bar != nullptr, result);
+    return giveBar(handle.component.GetRecordByJDate(jdate), nullptr, open_price, high_price, low_price,
+                   close_price, volume, result);
   });
 }
 
@@ -99,16 +82,8 @@ int32_t bw_script_output_get_record_by_index(bw_script_output* h, int32_t index,
                                              double* close_price, int32_t* volume, int32_t* result) {
   return onHandle(h, [&](bw_script_output& handle) {
     if (anyNull(jdate, open_price, high_price, low_price, close_price, volume, result)) return kNullArgument;
-    const Bar* bar = handle.component.GetRecordByIndex(index);
-    if (bar) {
-      *jdate = bar->JDate;
-      *open_price = bar->OpenPrice;
-      *high_price = bar->HighPrice;
-      *low_price = bar->LowPrice;
-      *close_price = bar->ClosePrice;
-      *volume = volumeToInt32(bar->Volume);
-    }
-    return giveBool(bar != nullptr, result);
+    return giveBar(handle.component.GetRecordByIndex(index), jdate, open_price, high_price, low_price,
+                   close_price, volume, result);
   });
 }
 
@@ -178,6 +153,120 @@ int32_t bw_script_output_get_custom_ind_from_condition(bw_script_output* h, cons
   return onHandle(h, [&](bw_script_output& handle) {
     if (!text) return kNullArgument;
     return giveText(handle.component.GetCustomIndFromCondition(textOf(script)), text);
+  });
+}
+
+// ---- The incremental way
+
+int32_t bw_script_output_initialise_transient_store(bw_script_output* h, int32_t variables_size) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    handle.component.InitialiseTransientStore(variables_size);
+    return kSuccess;
+  });
+}
+
+int32_t bw_script_output_process_scrip_data(bw_script_output* h, const char* script, int32_t* result) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    if (!result) return kNullArgument;
+    return giveBool(handle.component.ProcessScripData(textOf(script)), result, kPlainTrue);
+  });
+}
+
+int32_t bw_script_output_set_data_retrieve_mode(bw_script_output* h, int32_t mode) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    handle.component.SetDataRetrieveMode(mode);
+    return kSuccess;
+  });
+}
+
+int32_t bw_script_output_add_or_remove_basic_vector_series(bw_script_output* h, const char* name,
+                                                           int32_t size) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    handle.component.AddOrRemoveBasicVectorSeries(textOf(name), size);
+    return kSuccess;
+  });
+}
+
+int32_t bw_script_output_update_basic_vector_data(bw_script_output* h, const char* name, double value,
+                                                  uint8_t add_or_update) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    handle.component.UpdateBasicVectorData(textOf(name), value, add_or_update);
+    return kSuccess;
+  });
+}
+
+int32_t bw_script_output_get_variable_values_log(bw_script_output* h, const char* path) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    handle.component.GetVariableValuesLog(textOf(path));
+    return kSuccess;
+  });
+}
+
+int32_t bw_script_output_append_record_new(bw_script_output* h, double jdate, double open_price,
+                                           double high_price, double low_price, double close_price,
+                                           int32_t volume) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    const bool taken =
+        handle.component.AppendRecord_New(jdate, open_price, high_price, low_price, close_price, volume);
+    return taken ? kSuccess : kFailure;
+  });
+}
+
+int32_t bw_script_output_edit_record_new(bw_script_output* h, double jdate, double open_price,
+                                         double high_price, double low_price, double close_price,
+                                         int32_t volume, int32_t* result) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    if (!result) return kNullArgument;
+    const std::optional<bool> edited =
+        handle.component.EditRecord_New(jdate, open_price, high_price, low_price, close_price, volume);
+    giveBool(edited.value_or(false), result);
+    return edited ? kSuccess : kFailure;
+  });
+}
+
+int32_t bw_script_output_edit_jdate_new(bw_script_output* h, double old_jdate, double new_jdate,
+                                        int32_t* result) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    if (!result) return kNullArgument;
+    return giveBool(handle.component.EditJDate_New(old_jdate, new_jdate), result);
+  });
+}
+
+int32_t bw_script_output_get_script_output_new(bw_script_output* h, const char* script, int32_t map_count,
+                                               const char* output_sets, char** text) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    if (!text) return kNullArgument;
+    return giveText(handle.component.GetScriptOutput_New(textOf(script), map_count, textOf(output_sets)),
+                    text);
+  });
+}
+
+int32_t bw_script_output_get_custom_ind_from_condition_new(bw_script_output* h, const char* script,
+                                                           char** text) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    if (!text) return kNullArgument;
+    return giveText(handle.component.GetCustomIndFromCondition_NEW(textOf(script)), text);
+  });
+}
+
+static_assert(sizeof(bw_series) == sizeof(PointerBlock::Rows) &&
+                  sizeof(bw_series_list) == sizeof(PointerBlock::List) &&
+                  offsetof(bw_series, count) == offsetof(PointerBlock::Rows, count) &&
+                  offsetof(bw_series_list, items) == offsetof(PointerBlock::List, items),
+              "a host reads the component's list through the types of the C face");
+
+int32_t bw_script_output_get_script_output_ptr(bw_script_output* h, const char* script, int32_t map_count,
+                                               const char* output_sets, intptr_t* data_ptr) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    if (!data_ptr) return kNullArgument;
+    *data_ptr = handle.component.GetScriptOutput_PTR(textOf(script), map_count, textOf(output_sets));
+    return *data_ptr == -1 ? kFailure : kSuccess;
+  });
+}
+
+int32_t bw_script_output_get_script_help(bw_script_output* h, char** text) {
+  return onHandle(h, [&](bw_script_output& handle) {
+    return text ? giveText(scriptHelp(handle.component.lastFunction()), text) : kNullArgument;
   });
 }
 

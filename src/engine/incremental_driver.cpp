@@ -1,0 +1,91 @@
+// The driver of the incremental way: prepares scripts and runs what is prepared.
+
+#include <algorithm>
+
+#include "engine/expression.hpp"
+#include "engine/program.hpp"
+#include "functions/script_engine.hpp"
+#include "platform/clock.hpp"
+
+namespace brindlewort {
+
+namespace {
+
+/// Shown only when a statement fails without saying why.
+constexpr std::string_view kStatementFailed = "God knows what went wrong! Debug";
+constexpr std::string_view kMainFailed = "God knows what went wrong! Debug again";
+
+/// The price variables, which a new script leaves in place.
+constexpr std::size_t kPriceVariables = 5;
+
+}  // namespace
+
+bool CScriptEngine::ProcessScripData(std::string_view script, std::string& error) {
+  if (retrieveMode == kReplaceScript) {
+    preparedScript.clear();
+    fastSeries.clear();
+    forgetExpressions();
+    variables.keepIf([](std::size_t i, const StoreEntry& entry) {
+      return i < kPriceVariables || entry.kind != kComputedVariable;
+    });
+  }
+  Program program;
+  error = readProgram(script, Way::kIncremental, program);
+  if (!error.empty()) return false;
+  for (const std::string& statement : program.sets) fastSeries.push_back(NormalizeScript(statement));
+  preparedScript = program.main;
+  prepared_.clear();
+  return true;
+}
+
+/// Everything that points to entries is made anew with the next run.
+void CScriptEngine::forgetExpressions() {
+  expressions_.reset();
+  prepared_.clear();
+  workSeries_.forget();
+  outputEntries.clear();
+  resultEntry = nullptr;
+  lastCall_ = {};
+}
+
+std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
+  errorText.clear();
+  aborted_ = false;
+  dryRun = dryRun_;
+  paddedData = false;
+  outputEntries.clear();
+  resultEntry = nullptr;
+  ++runNumber_;
+  const std::int32_t rows = static_cast<std::int32_t>(bars.size());
+  const std::int32_t lookback = windowLength;
+  if (lookback > rows && !dryRun) return std::string(kNotEnoughData);
+  startTicks = platform::tickMilliseconds();
+  windowLength = rows;
+  wholeHistory = true;
+  workSeries_.setRows(bars.size());
+  variables.setLimit(reservedEntries_);
+
+  std::string text;
+  const std::int32_t runs = rowScan ? rows - std::min(lookback, rows) : 1;
+  for (std::int32_t i = 0; i < runs && errorText.empty(); ++i) text = runStatements();
+  if (aborted_) errorText = kTooComplex;
+  currentFunction = lastCall_;
+  return errorText.empty() ? text : errorText;
+}
+
+/// Evaluates the statements and the main expression; the first that fails ends it.
+std::string CScriptEngine::runStatements() {
+  if (prepared_.empty()) {
+    for (const std::string& statement : fastSeries) prepared_.push_back(&expressionOf(statement));
+    prepared_.push_back(&expressionOf(preparedScript));
+  }
+  for (std::size_t i = 0; i + 1 < prepared_.size(); ++i) {
+    EvaluateFast(*prepared_[i]);
+    if (!errorText.empty()) return std::string(kStatementFailed);
+  }
+  resultEntry = &EvaluateFast(*prepared_.back());
+  if (!errorText.empty()) return std::string(kMainFailed);
+  return resultEntry->value != 0.0 ? "ALERT" : "";
+}
+
+}  // namespace brindlewort

@@ -1,0 +1,159 @@
+// The evaluator of the incremental way: expressions are scanned once and evaluated anew at every run, each
+// into an entry of its own, which keeps its rows from run to run.
+
+#include <algorithm>
+#include <array>
+
+#include "engine/depth_guard.hpp"
+#include "engine/expression.hpp"
+#include "engine/fold.hpp"
+#include "functions/script_engine.hpp"
+#include "series/text.hpp"
+
+namespace brindlewort {
+
+namespace {
+
+/// The clock is read once in so many evaluations.
+constexpr std::uint32_t kEvaluationsPerClockRead = 64;
+
+bool isPriceName(std::string_view text) {
+  static constexpr std::array<std::string_view, 5> kNames = {"OPEN", "HIGH", "LOW", "CLOSE", "VOLUME"};
+  return std::find(kNames.begin(), kNames.end(), text) != kNames.end();
+}
+
+const StoreEntry& nothing() {
+  static const StoreEntry entry;
+  return entry;
+}
+
+}  // namespace
+
+Expression& CScriptEngine::expressionOf(std::string_view text) {
+  if (!expressions_) expressions_ = std::make_unique<ExpressionTable>();
+  return expressions_->of(text);
+}
+
+/// The entry of an expression, found or made. An entry made for a text is no name that a script may use.
+StoreEntry* CScriptEngine::entryOf(Expression& expression) {
+  if (expression.shape == variables.shape() && expression.pattern == candlePattern) return expression.entry;
+  std::string key = MakeKey(expression.text, "");
+  NormalizeKey(key);
+  const bool isNumber = IsNumberText(expression.text);
+  StoreEntry* entry = variables.get(key);
+  expression.isDirect = isNumber || (entry && isPriceName(expression.text));
+  if (!entry) {
+    entry = constants.get(key);
+    expression.isDirect = expression.isDirect || entry;
+  }
+  if (!entry) {
+    entry = AddStoreEntry(key);
+    if (!entry) return nullptr;
+    entry->madeForText = !entry->isConstant;
+  }
+  if (entry != expression.entry) expression.valid = false;
+  expression.entry = entry;
+  expression.shape = variables.shape();
+  expression.pattern = candlePattern;
+  return entry;
+}
+
+const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
+  const DepthGuard guard(depth_);
+  if (depth_ > kMaxDepth) {
+    abortRun();
+    return nothing();
+  }
+  if (++sinceClockRead_ % kEvaluationsPerClockRead == 0) testTimeLimit();
+  StoreEntry* entry = entryOf(expression);
+  if (!entry) return nothing();
+  if (expression.isDirect) return *entry;
+  if (!expression.scanned) scanExpression(expression);
+  Fold(*this, expression, *entry).run();
+  if (!expression.setName.empty()) rememberFast(expression, *entry);
+  return *entry;
+}
+
+void CScriptEngine::forgetRows() {
+  if (expressions_) expressions_->forgetRows();
+}
+
+/// Evaluates the arguments of a call, up to the first empty one.
+void CScriptEngine::evaluateArgumentsFast(CallSite& site) {
+  site.values.clear();
+  for (CallSite::Argument& argument : site.arguments) {
+    if (aborted_) return;
+    if (argument.bareWord && !variables.get(argument.text)) {
+      site.values.emplace_back();
+      continue;
+    }
+    if (!argument.expression) argument.expression = &expressions_->ofPiece(argument.text);
+    const Expression& expression = *argument.expression;
+    const bool direct = expression.isDirect && expression.shape == variables.shape();
+    const StoreEntry& entry = direct ? *expression.entry : EvaluateFast(*argument.expression);
+    site.values.push_back({&entry, !entry.values.empty(), entry.value});
+  }
+}
+
+StoreEntry* CScriptEngine::lookupFast(std::string_view name) {
+  if (name == "LAST") name = "CLOSE";
+  if (StoreEntry* entry = variables.getNamed(name)) return entry;
+  if (StoreEntry* constant = constants.get(name)) return constant;
+  errorText = "Error: Undefined variable '" + std::string(name) + "'";
+  return nullptr;
+}
+
+/// Stores the value of a SET statement under its name, over an entry of that name. Only rows that can differ
+/// are copied.
+void CScriptEngine::rememberFast(Expression& statement, const StoreEntry& value) {
+  const bool known = statement.variable && statement.variableShape == variables.shape();
+  StoreEntry* variable = known ? statement.variable : variables.get(statement.setName);
+  if (!variable) {
+    if (variables.size() > kMaxVariables || variables.full()) {
+      abortRun();
+      return;
+    }
+    ScriptVariable fresh;
+    fresh.name = statement.setName;
+    fresh.value = value.value;
+    fresh.values = Series(value.values.view());
+    variable = &variables[variables.append(std::move(fresh))];
+    variable->isSetVariable = true;
+    noteChange(*variable, 0);
+  } else {
+    if (variable->madeForText) {
+      variable->madeForText = false;
+      variable->isSetVariable = true;
+      variables.noteShape();
+    }
+    copyToVariable(statement, value, *variable);
+  }
+  statement.variable = variable;
+  statement.variableShape = variables.shape();
+  statement.variableRows =
+      std::min(variable->values.size(), static_cast<std::size_t>(std::max(windowLength, 0)));
+  statement.variableSeen = moment_;
+  if (variable->isSetVariable) listOutput(*variable);
+}
+
+void CScriptEngine::copyToVariable(const Expression& statement, const StoreEntry& value,
+                                   StoreEntry& variable) {
+  const std::size_t rows = static_cast<std::size_t>(std::max(windowLength, 0));
+  std::size_t from = 0;
+  const std::size_t before = variable.values.size();
+  if (before == 0 && !variable.isConstant) variable.slot = -1;
+  if (before < rows && (before > 0 || !variable.isConstant)) variable.values.resize(rows, NULL_VALUE);
+  if (before > 0 && statement.variable == &variable && statement.variableRows > 0) {
+    from = std::min({statement.variableRows - 1, variable.changes.since(statement.variableSeen),
+                     value.changes.since(statement.variableSeen), before});
+  }
+  variable.value = value.value;
+  if (variable.values.empty()) return;
+  const Out out = variable.values.edit();
+  const View in = value.values.view();
+  const std::size_t end = std::min({rows, out.size(), in.empty() ? rows : in.size()});
+  for (std::size_t i = from; i < end; ++i) out[i] = in.empty() ? value.value : in[i];
+  noteChange(variable, std::min(from, end));
+}
+
+}  // namespace brindlewort

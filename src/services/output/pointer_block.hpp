@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "functions/variable_store.hpp"
+
+namespace brindlewort {
+
+/// The live series that a host sees by pointer, and that stay where it saw them until the next list or run:
+/// rows that must move to grow leave their old place readable, and the list follows them.
+class PointerBlock {
+ public:
+  struct Rows {
+    const double* values;
+    std::size_t count;
+  };
+  struct List {
+    std::size_t count;
+    const Rows* items;
+  };
+
+  /// Makes the list of these entries, in their order. What an earlier list showed is no longer kept.
+  const List& show(const std::vector<StoreEntry*>& entries);
+  /// A run begins: places that were kept are given back.
+  void endOfPromise();
+
+  /// To be called before rows are added, and after.
+  void beforeGrowth();
+  void afterGrowth();
+  /// The entries are about to go: what they hold now stays readable.
+  void freeze();
+
+ private:
+  std::vector<StoreEntry*> entries_;
+  std::vector<Rows> items_;
+  std::vector<Series> kept_;
+  List list_{0, nullptr};
+};
+
+}  // namespace brindlewort
