@@ -1,8 +1,10 @@
 #include "indicators/candlestick.hpp"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
+#include "indicators/candle_recogniser.hpp"
 #include "indicators/candles.hpp"
 #include "indicators/moving_averages.hpp"
 #include "indicators/source_rows.hpp"
@@ -127,11 +129,12 @@ int CandlestickPattern(const Prices& prices, int requested) {
   return recogniser.typeOfLast(bars);
 }
 
-void CandlestickPatternRows(const Prices& prices, int requested, Out out) {
-  const Count n = prices.rows();
-  const CandlePrices candles = pricesOf(prices);
-  const CandleRecogniser recogniser = candleRecogniser(requested);
-  const LongBodies longBodies(recogniser.readsLongBody ? usableRanges(candles, 0) : std::vector<double>());
+namespace {
+
+/// The row loop of one type. `readsLongBody`: whether its answer depends on the bodies.
+template <int requested>
+void markRows(const CandlePrices& candles, const LongBodies& longBodies, bool readsLongBody, Out out) {
+  const Count n = rowsOf(candles.close);
   LastRows last;
   Count usable = 0;
   for (Count row = 0; row < n; ++row) {
@@ -142,11 +145,29 @@ void CandlestickPatternRows(const Prices& prices, int requested, Out out) {
     int type = kNoCandle;
     if (row >= kTooFewRows) {
       CandleBars bars = candles.bars(last);
-      if (recogniser.readsLongBody) longBodies.tell(usable, bars);
-      type = recogniser.typeOfLast(bars);
+      if (readsLongBody) longBodies.tell(usable, bars);
+      type = candle_patterns::typeOfLast<requested>(bars);
     }
     out[row] = type == requested ? 1.0 : 0.0;
   }
+}
+
+template <int... types>
+constexpr auto rowLoops(std::integer_sequence<int, types...>) {
+  return std::array{&markRows<types>...};
+}
+constexpr auto kRowLoops = rowLoops(std::make_integer_sequence<int, kBullishMatchingLow + 1>());
+
+}  // namespace
+
+void CandlestickPatternRows(const Prices& prices, int requested, Out out) {
+  const CandlePrices candles = pricesOf(prices);
+  const bool readsLongBody = candleRecogniser(requested).readsLongBody;
+  const LongBodies longBodies(readsLongBody ? usableRanges(candles, 0) : std::vector<double>());
+  const bool known = requested > kNoCandle && requested <= kBullishMatchingLow;
+  kRowLoops[static_cast<std::size_t>(known ? requested : kNoCandle)](candles, longBodies, readsLongBody, out);
+  // Nothing is ever an unknown type; without a type every row answers no candle.
+  if (!known) std::fill(out.begin(), out.end(), requested == kNoCandle ? 1.0 : 0.0);
 }
 
 }  // namespace CFeedkit
