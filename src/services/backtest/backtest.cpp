@@ -1,0 +1,141 @@
+#include "services/backtest/backtest.hpp"
+
+#include <array>
+#include <new>
+
+#include "functions/script_engine.hpp"
+#include "platform/clock.hpp"
+#include "series/julian_date.hpp"
+#include "series/text.hpp"
+
+namespace brindlewort {
+
+namespace {
+
+constexpr std::string_view kOutOfMemory = "Error: Out of memory.";
+
+Bar makeBar(double JDate, double Open, double High, double Low, double Close, std::int32_t Volume) {
+  Bar bar;
+  bar.JDate = JDate;
+  bar.OpenPrice = Open;
+  bar.HighPrice = High;
+  bar.LowPrice = Low;
+  bar.ClosePrice = Close;
+  bar.Volume = Volume;
+  return bar;
+}
+
+}  // namespace
+
+CBacktest::CBacktest() : pool_(std::make_unique<SeriesPool>()) {}
+CBacktest::~CBacktest() = default;
+CBacktest::CBacktest(CBacktest&&) noexcept = default;
+CBacktest& CBacktest::operator=(CBacktest&&) noexcept = default;
+
+// ---- Records
+// ------------------------------------------------------------------------------------------------
+
+void CBacktest::AppendRecord(double JDate, double OpenPrice, double HighPrice, double LowPrice,
+                             double ClosePrice, std::int32_t Volume) {
+  bars_.AppendRecord(makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume));
+}
+
+bool CBacktest::EditRecord(double JDate, double OpenPrice, double HighPrice, double LowPrice,
+                           double ClosePrice, std::int32_t Volume) {
+  return bars_.EditRecord(makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume));
+}
+
+const Bar* CBacktest::GetRecordByJDate(double JDate) const {
+  const std::ptrdiff_t row = bars_.findDate(JDate);
+  return row == BarStore::kNotFound ? nullptr : &bars_[static_cast<std::size_t>(row)];
+}
+
+const Bar* CBacktest::GetRecordByIndex(std::int32_t Index) const {
+  return bars_.byNumber(Index);
+}
+
+void CBacktest::ClearRecords() {
+  bars_.ClearRecords();
+}
+
+std::int32_t CBacktest::RecordCount() const {
+  return bars_.RecordCount();
+}
+
+// ---- Runs
+// ---------------------------------------------------------------------------------------------------
+
+/// Work on a fresh engine, which is kept for the questions that follow; it takes over the buffers of the
+/// engine before. False when memory ran out.
+template <class Work>
+bool CBacktest::guarded(Work work) {
+  bool done = false;
+  try {
+    const SeriesPool::Scope scope(*pool_);
+    engine_.reset();
+    engine_ = std::make_unique<CScriptEngine>();
+    work(*engine_);
+    engine_->bars.clear();
+    done = true;
+  } catch (const std::bad_alloc&) {
+    engine_.reset();
+  }
+  pool_->trim();
+  return done;
+}
+
+/// The fillers of the way stand in front of the component's bars, which are not copied.
+BacktestRun CBacktest::run(CScriptEngine& engine, const ScriptWay& way, const BacktestRequest& request) {
+  constexpr std::array kFillerDates = {kFirstDummyDate, kSecondDummyDate};
+  engine.bars.use(bars_.rows());
+  for (std::size_t i = 0; i < static_cast<std::size_t>(way.fillers); ++i)
+    engine.bars.insertFiller(kFillerDates[i]);
+  return brindlewort::runBacktest(engine, way, request, fixedSeed.value_or(platform::secondsSince1970()));
+}
+
+/// True when a result is an error, which the host has now been told.
+bool CBacktest::tellError(std::string_view result) {
+  if (!contains(result, "Error:")) return false;
+  if (ScriptError) ScriptError(std::string(result));
+  return true;
+}
+
+std::optional<std::string> CBacktest::report(const ScriptWay& way, const BacktestRequest& request) {
+  BacktestRun result;
+  std::string text;
+  const bool done = guarded([&](CScriptEngine& engine) {
+    result = run(engine, way, request);
+    text = resultText(result);
+  });
+  // A report needs no look: no line of it holds the mark of an error.
+  if (tellError(done ? std::string_view(result.error) : kOutOfMemory)) return std::nullopt;
+  return text;
+}
+
+std::optional<std::string> CBacktest::Backtest(std::string_view BuyScript, std::string_view SellScript,
+                                               std::string_view ExitLongScript,
+                                               std::string_view ExitShortScript, double SlipPct,
+                                               std::string_view MaxOpenDays) {
+  return report(kWholeHistoryWay,
+                {BuyScript, SellScript, ExitLongScript, ExitShortScript, SlipPct, MaxOpenDays});
+}
+
+std::optional<std::string> CBacktest::Backtest_New(std::string_view BuyScript, std::string_view SellScript,
+                                                   std::string_view ExitLongScript,
+                                                   std::string_view ExitShortScript, double SlipPct,
+                                                   std::string_view MaxOpenDays) {
+  return report(kIncrementalWay,
+                {BuyScript, SellScript, ExitLongScript, ExitShortScript, SlipPct, MaxOpenDays});
+}
+
+BacktestRun CBacktest::runBacktest(const BacktestRequest& request, const ScriptWay& way) {
+  BacktestRun result;
+  if (!guarded([&](CScriptEngine& engine) { result = run(engine, way, request); })) {
+    result = {};
+    result.error = kOutOfMemory;
+  }
+  tellError(result.error);
+  return result;
+}
+
+}  // namespace brindlewort
