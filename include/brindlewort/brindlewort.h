@@ -91,10 +91,212 @@ BW_API int32_t bw_script_output_get_script_output(bw_script_output* h, const cha
 /* The column names that a script would give, as a heading line. */
 BW_API int32_t bw_script_output_get_custom_ind_from_condition(bw_script_output* h, const char* script,
                                                               char** text);
+/* ---- The incremental way: the handle keeps an engine alive. Set it up once, prepare a script once, give it bars one
+ * by one, and each run brings every series up to date where it stopped, so a new bar costs one new row. */
+
+/* Sets the engine up, before its first bar, for so many variables of scripts and functions (250 when below 10). A
+ * script that needs more ends with "Error: Script too complex.". */
+BW_API int32_t bw_script_output_initialise_transient_store(bw_script_output* h, int32_t variables_size);
+/* Prepares a script for the runs that follow. `result`: 1, or 0 when it is empty or too large. */
+BW_API int32_t bw_script_output_process_scrip_data(bw_script_output* h, const char* script, int32_t* result);
+/* 101 (as it begins): a further preparation adds its SET statements to those before. 102: it drops the script before,
+ * and outputs have no dates. */
+BW_API int32_t bw_script_output_set_data_retrieve_mode(bw_script_output* h, int32_t mode);
+/* Adds a series that the host feeds, with room for `size` rows; a size of -987654321 removes it. A name in a script
+ * stands in capitals. */
+BW_API int32_t bw_script_output_add_or_remove_basic_vector_series(bw_script_output* h, const char* name,
+                                                                  int32_t size);
+/* Feeds such a series: `add_or_update` 11 adds a row, 22 changes the last one. Every bar adds a row without a value to
+ * it, so 22 is the usual number. The null value -987654321.0 repeats the value before. */
+BW_API int32_t bw_script_output_update_basic_vector_data(bw_script_output* h, const char* name, double value,
+                                                         uint8_t add_or_update);
+/* Accepted; writes nothing. */
+BW_API int32_t bw_script_output_get_variable_values_log(bw_script_output* h, const char* path);
+/* Adds a bar, and a row to every series. Status 1 when memory runs out; no bar is added then. */
+BW_API int32_t bw_script_output_append_record_new(bw_script_output* h, double jdate, double open_price,
+                                                  double high_price, double low_price, double close_price,
+                                                  int32_t volume);
+/* Replaces the first bar of exactly this date; the last row of every series takes its prices, whichever bar it is.
+ * `result`: -1, or 0 when there is no such bar. Status 1, with the bar replaced, when a series of the host has no row
+ * yet. */
+BW_API int32_t bw_script_output_edit_record_new(bw_script_output* h, double jdate, double open_price,
+                                                double high_price, double low_price, double close_price,
+                                                int32_t volume, int32_t* result);
+/* Changes the date of the first bar dated `old_jdate`. `result`: -1, or 0 when there is none. */
+BW_API int32_t bw_script_output_edit_jdate_new(bw_script_output* h, double old_jdate, double new_jdate,
+                                               int32_t* result);
+/* Runs the prepared script and gives its series as bw_script_output_get_script_output does; row i belongs to bar i.
+ * `script` only tells whether there is one, whether it asks for candlestick patterns, and how many rows the event
+ * list leaves out. */
+BW_API int32_t bw_script_output_get_script_output_new(bw_script_output* h, const char* script,
+                                                      int32_t map_count, const char* output_sets, char** text);
+BW_API int32_t bw_script_output_get_custom_ind_from_condition_new(bw_script_output* h, const char* script,
+                                                                  char** text);
+
+/* Live series, in the order of the output names. The list and all rows that it has ever shown stay readable until the
+ * next run or pointer call of the handle, or its end; they are never freed by the host. Bars that are added meanwhile
+ * show in the list (its items are brought up to date), not in values that the host has copied out of it. */
+typedef struct bw_series {
+  const double* values;
+  size_t count;
+} bw_series;
+typedef struct bw_series_list {
+  size_t count;
+  const bw_series* items;
+} bw_series_list;
+
+/* Runs the prepared script. `data_ptr`: the address of a bw_series_list, or -1, with status 1, when the run fails (no
+ * event tells it). `map_count` has no effect. */
+BW_API int32_t bw_script_output_get_script_output_ptr(bw_script_output* h, const char* script,
+                                                      int32_t map_count, const char* output_sets,
+                                                      intptr_t* data_ptr);
+
 /* A view of a series of the last run, valid until the handle's next call. `name` as a column shows it or as
- * the script writes it. Status 1 for an unknown name. Row i belongs to bar i + 1 of the run's bars. */
+ * the script writes it. Status 1 for an unknown name. Row i belongs to bar i + 1 of the run's bars, or to bar i on the
+ * incremental way. */
 BW_API int32_t bw_script_output_get_series(bw_script_output* h, const char* name, const double** values,
                                            size_t* count);
+
+/* The manual page of the function that the last run called last, the one that a failing script stopped in; "" when
+ * there is none. */
+BW_API int32_t bw_script_output_get_script_help(bw_script_output* h, char** text);
+
+/* ---- Backtest: what trading on the signals of scripts would have brought ------------------------------ */
+
+typedef struct bw_backtest bw_backtest;
+
+/* Null when memory runs out. */
+BW_API bw_backtest* bw_backtest_create(void);
+BW_API void bw_backtest_destroy(bw_backtest* h);
+/* The event of a failed backtest, one without trades included. */
+BW_API int32_t bw_backtest_on_script_error(bw_backtest* h, bw_script_error_fn fn, void* user);
+/* From now on the random numbers behind the Monte Carlo figure begin with this seed, not with the clock. */
+BW_API int32_t bw_backtest_set_random_seed(bw_backtest* h, int64_t seed);
+
+BW_API int32_t bw_backtest_append_record(bw_backtest* h, double jdate, double open_price, double high_price,
+                                         double low_price, double close_price, int32_t volume);
+/* The same for `count` rows of six doubles: JDate, Open, High, Low, Close, Volume (cut to 32-bit integer). */
+BW_API int32_t bw_backtest_append_records(bw_backtest* h, const double* rows, size_t count);
+/* Replaces the first bar of exactly this date. `result`: -1, or 0 when there is none. */
+BW_API int32_t bw_backtest_edit_record(bw_backtest* h, double jdate, double open_price, double high_price,
+                                       double low_price, double close_price, int32_t volume, int32_t* result);
+/* `result`: -1 when found, else 0 and nothing is written. Null out-pointers before it are skipped. */
+BW_API int32_t bw_backtest_get_record_by_jdate(bw_backtest* h, double jdate, double* open_price, double* high_price,
+                                              double* low_price, double* close_price, int32_t* volume,
+                                              int32_t* result);
+/* `index` counts from 1. */
+BW_API int32_t bw_backtest_get_record_by_index(bw_backtest* h, int32_t index, double* jdate, double* open_price,
+                                              double* high_price, double* low_price, double* close_price,
+                                              int32_t* volume, int32_t* result);
+BW_API int32_t bw_backtest_clear_records(bw_backtest* h);
+BW_API int32_t bw_backtest_get_record_count(bw_backtest* h, int32_t* count);
+BW_API int32_t bw_backtest_to_julian_date(bw_backtest* h, int32_t year, int32_t month, int32_t day, int32_t hour,
+                                         int32_t minute, int32_t second, int32_t millisecond, double* jdate);
+BW_API int32_t bw_backtest_from_julian_date(bw_backtest* h, double jdate, char** text);
+/* The manual page of the function that the last run called last, the one that a failing script stopped in; "" when
+ * there is none. */
+BW_API int32_t bw_backtest_get_script_help(bw_backtest* h, char** text);
+
+/* Runs the scripts over all bars, trades on what they say, and reports. An empty script is none; an exit script that is
+ * the entry script of the other side is not run again. `max_open_days`: "name=value;" four times, for the stop loss in
+ * percent, the trailing stop (above 0: on), the profit target in percent, and the bars until a position is closed in
+ * any case; 0 switches a rule off. `text` is null for an error, which the event tells, and "" without bars. */
+BW_API int32_t bw_backtest_backtest(bw_backtest* h, const char* buy_script, const char* sell_script,
+                                    const char* exit_long_script, const char* exit_short_script, double slip_pct,
+                                    const char* max_open_days, char** text);
+/* The same with the scripts run on the incremental way, whose functions differ in their first rows. */
+BW_API int32_t bw_backtest_backtest_new(bw_backtest* h, const char* buy_script, const char* sell_script,
+                                        const char* exit_long_script, const char* exit_short_script,
+                                        double slip_pct, const char* max_open_days, char** text);
+
+/* ---- Alert: a script that watches one symbol ---------------------------------------------------------- */
+
+typedef struct bw_alert bw_alert;
+
+/* Called on the caller's thread, within the call that caused them. The texts live until the callback returns. */
+typedef void (*bw_alert_fn)(void* user, const char* symbol, const char* alert_name, double last_trade_date,
+                            double last_trade_price);
+typedef void (*bw_alert_error_fn)(void* user, const char* symbol, const char* alert_name, const char* description);
+
+/* Null when memory runs out. Components are counted over all processes of the machine; one beyond the limit tells so by
+ * the error event instead of evaluating. */
+BW_API bw_alert* bw_alert_create(void);
+BW_API void bw_alert_destroy(bw_alert* h);
+/* The script's last value is not 0. */
+BW_API int32_t bw_alert_on_alert(bw_alert* h, bw_alert_fn fn, void* user);
+BW_API int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void* user);
+
+/* Adds a bar, with the date of its last trade, and evaluates the script. */
+BW_API int32_t bw_alert_append_record(bw_alert* h, double jdate, double open_price, double high_price,
+                                      double low_price, double close_price, int32_t volume,
+                                      double last_trade_date);
+/* The same for `count` rows of seven doubles (the last trade date is the seventh), evaluated once, after the last. */
+BW_API int32_t bw_alert_append_records(bw_alert* h, const double* rows, size_t count);
+/* Replaces the first bar of exactly this date and evaluates. `result`: -1, or 0 when there is none. */
+BW_API int32_t bw_alert_edit_record(bw_alert* h, double jdate, double open_price, double high_price,
+                                    double low_price, double close_price, int32_t volume, double last_trade_date,
+                                    int32_t* result);
+/* `result`: -1 when found, else 0 and nothing is written. Null out-pointers before it are skipped. */
+BW_API int32_t bw_alert_get_record_by_jdate(bw_alert* h, double jdate, double* open_price, double* high_price,
+                                              double* low_price, double* close_price, int32_t* volume,
+                                              int32_t* result);
+/* `index` counts from 1. */
+BW_API int32_t bw_alert_get_record_by_index(bw_alert* h, int32_t index, double* jdate, double* open_price,
+                                              double* high_price, double* low_price, double* close_price,
+                                              int32_t* volume, int32_t* result);
+BW_API int32_t bw_alert_clear_records(bw_alert* h);
+BW_API int32_t bw_alert_get_record_count(bw_alert* h, int32_t* count);
+BW_API int32_t bw_alert_to_julian_date(bw_alert* h, int32_t year, int32_t month, int32_t day, int32_t hour,
+                                         int32_t minute, int32_t second, int32_t millisecond, double* jdate);
+BW_API int32_t bw_alert_from_julian_date(bw_alert* h, double jdate, char** text);
+/* The manual page of the function that the last run called last, the one that a failing script stopped in; "" when
+ * there is none. */
+BW_API int32_t bw_alert_get_script_help(bw_alert* h, char** text);
+/* The date of the `index`-th bar, from 1; 0.0 outside. */
+BW_API int32_t bw_alert_get_jdate(bw_alert* h, int32_t index, double* jdate);
+/* Changes the date of the first bar dated `old_jdate`. `result`: -1, or 0 when there is none. */
+BW_API int32_t bw_alert_edit_jdate(bw_alert* h, double old_jdate, double new_jdate, int32_t* result);
+
+/* Symbol and name go into every event. A script that is set is evaluated at once. */
+BW_API int32_t bw_alert_get_symbol(bw_alert* h, char** text);
+BW_API int32_t bw_alert_set_symbol(bw_alert* h, const char* text);
+BW_API int32_t bw_alert_get_alert_name(bw_alert* h, char** text);
+BW_API int32_t bw_alert_set_alert_name(bw_alert* h, const char* text);
+BW_API int32_t bw_alert_get_alert_script(bw_alert* h, char** text);
+BW_API int32_t bw_alert_set_alert_script(bw_alert* h, const char* text);
+
+/* Evaluates a script once, which stays in force for later changes. `result`: 1 when it fired, else 0. */
+BW_API int32_t bw_alert_evaluate(bw_alert* h, const char* script, int32_t* result);
+
+/* The incremental way. Set the engine up once, prepare a script, then use the _opt calls. */
+BW_API int32_t bw_alert_initialise_transient_store(bw_alert* h, int32_t variables_size);
+/* `result`: 1, or 0, with status 1, when the script is refused. */
+BW_API int32_t bw_alert_process_scrip_data(bw_alert* h, const char* script, int32_t* result);
+/* Adds a bar to the bars of both ways and evaluates the prepared script. Status 1, without an evaluation, when the
+ * series do not take the bar. */
+BW_API int32_t bw_alert_append_record_opt(bw_alert* h, double jdate, double open_price, double high_price,
+                                          double low_price, double close_price, int32_t volume,
+                                          double last_trade_date);
+BW_API int32_t bw_alert_edit_record_opt(bw_alert* h, double jdate, double open_price, double high_price,
+                                        double low_price, double close_price, int32_t volume,
+                                        double last_trade_date, int32_t* result);
+/* Accepted; writes nothing. */
+BW_API int32_t bw_alert_get_variable_values_log(bw_alert* h, const char* path);
+
+/* ---- Validate: what is wrong with a script -------------------------------------------------------------- */
+
+typedef struct bw_validate bw_validate;
+
+/* Null when memory runs out. */
+BW_API bw_validate* bw_validate_create(void);
+BW_API void bw_validate_destroy(bw_validate* h);
+/* The first fault, in words for an editor. For a script without fault: "" when `build_version` is -1, else "NO Error:"
+ * and the number of series that it makes. */
+BW_API int32_t bw_validate_validate(bw_validate* h, const char* script, int32_t build_version, char** text);
+/* What the last validated script sets under a name: "EXCHANGE", "SECTOR", "INDUSTRY" or "SYMBOL". */
+BW_API int32_t bw_validate_get_constant(bw_validate* h, const char* name, char** text);
+/* The manual page of the function that the validation stopped in; "" when there is none. */
+BW_API int32_t bw_validate_get_script_help(bw_validate* h, char** text);
 
 #ifdef __cplusplus
 }

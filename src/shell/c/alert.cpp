@@ -1,0 +1,247 @@
+#include "services/alert/alert.hpp"
+
+#include <new>
+#include <vector>
+
+#include "brindlewort/brindlewort.h"
+#include "series/julian_date.hpp"
+#include "series/numbers.hpp"
+#include "shell/c/handle.hpp"
+#include "shell/help/script_help.hpp"
+
+using namespace brindlewort;
+using namespace brindlewort::c_face;
+
+struct bw_alert {
+  CAlert component;
+};
+
+namespace {
+
+template <class Set>
+int32_t setText(bw_alert* h, const char* text, Set set) {
+  return onHandle(h, [&](bw_alert& handle) {
+    (handle.component.*set)(textOf(text));
+    return kSuccess;
+  });
+}
+
+template <class Get>
+int32_t getText(bw_alert* h, char** text, Get get) {
+  return onHandle(
+      h, [&](bw_alert& handle) { return text ? giveText((handle.component.*get)(), text) : kNullArgument; });
+}
+
+}  // namespace
+
+bw_alert* bw_alert_create(void) {
+  try {
+    return new bw_alert;
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+void bw_alert_destroy(bw_alert* h) {
+  delete h;
+}
+
+int32_t bw_alert_on_alert(bw_alert* h, bw_alert_fn fn, void* user) {
+  return onHandle(h, [&](bw_alert& handle) {
+    handle.component.Alert = nullptr;
+    if (fn) {
+      handle.component.Alert = [fn, user](const std::string& symbol, const std::string& name, double date,
+                                          double price) {
+        fn(user, symbol.c_str(), name.c_str(), date, price);
+      };
+    }
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void* user) {
+  return onHandle(h, [&](bw_alert& handle) {
+    handle.component.ScriptError = nullptr;
+    if (fn) {
+      handle.component.ScriptError = [fn, user](const std::string& symbol, const std::string& name,
+                                                const std::string& text) {
+        fn(user, symbol.c_str(), name.c_str(), text.c_str());
+      };
+    }
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_append_record(bw_alert* h, double jdate, double open_price, double high_price,
+                               double low_price, double close_price, int32_t volume, double last_trade_date) {
+  return onHandle(h, [&](bw_alert& handle) {
+    handle.component.AppendRecord(jdate, open_price, high_price, low_price, close_price, volume,
+                                  last_trade_date);
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_append_records(bw_alert* h, const double* rows, size_t count) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (count == 0) return kSuccess;
+    if (!rows) return kNullArgument;
+    std::vector<Bar> bars(count);
+    for (Bar& bar : bars) {
+      bar = {rows[0], rows[1], rows[2], rows[3], rows[4], rows[5], rows[6], rows[4]};
+      rows += 7;
+    }
+    handle.component.AppendRecords(bars);
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_edit_record(bw_alert* h, double jdate, double open_price, double high_price,
+                             double low_price, double close_price, int32_t volume, double last_trade_date,
+                             int32_t* result) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!result) return kNullArgument;
+    return giveBool(handle.component.EditRecord(jdate, open_price, high_price, low_price, close_price, volume,
+                                                last_trade_date),
+                    result);
+  });
+}
+
+int32_t bw_alert_get_record_by_jdate(bw_alert* h, double jdate, double* open_price, double* high_price,
+                                     double* low_price, double* close_price, int32_t* volume,
+                                     int32_t* result) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!result) return kNullArgument;
+    return giveBar(handle.component.GetRecordByJDate(jdate), nullptr, open_price, high_price, low_price,
+                   close_price, volume, result);
+  });
+}
+
+int32_t bw_alert_get_record_by_index(bw_alert* h, int32_t index, double* jdate, double* open_price,
+                                     double* high_price, double* low_price, double* close_price,
+                                     int32_t* volume, int32_t* result) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!result) return kNullArgument;
+    return giveBar(handle.component.GetRecordByIndex(index), jdate, open_price, high_price, low_price,
+                   close_price, volume, result);
+  });
+}
+
+int32_t bw_alert_clear_records(bw_alert* h) {
+  return onHandle(h, [](bw_alert& handle) {
+    handle.component.ClearRecords();
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_get_record_count(bw_alert* h, int32_t* count) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!count) return kNullArgument;
+    *count = handle.component.RecordCount();
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_to_julian_date(bw_alert* h, int32_t year, int32_t month, int32_t day, int32_t hour,
+                                int32_t minute, int32_t second, int32_t /*millisecond*/, double* jdate) {
+  return onHandle(h, [&](bw_alert&) {
+    if (!jdate) return kNullArgument;
+    *jdate = ToJulianDate(year, month, day, hour, minute, second);
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_from_julian_date(bw_alert* h, double jdate, char** text) {
+  return onHandle(h, [&](bw_alert&) { return text ? giveText(FromJulianDate(jdate), text) : kNullArgument; });
+}
+
+int32_t bw_alert_get_script_help(bw_alert* h, char** text) {
+  return onHandle(h, [&](bw_alert& handle) {
+    return text ? giveText(scriptHelp(handle.component.lastFunction()), text) : kNullArgument;
+  });
+}
+
+int32_t bw_alert_get_jdate(bw_alert* h, int32_t index, double* jdate) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!jdate) return kNullArgument;
+    *jdate = handle.component.GetJDate(index);
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_edit_jdate(bw_alert* h, double old_jdate, double new_jdate, int32_t* result) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!result) return kNullArgument;
+    return giveBool(handle.component.EditJDate(old_jdate, new_jdate), result);
+  });
+}
+
+int32_t bw_alert_get_symbol(bw_alert* h, char** text) {
+  return getText(h, text, &CAlert::Symbol);
+}
+int32_t bw_alert_set_symbol(bw_alert* h, const char* text) {
+  return setText(h, text, &CAlert::setSymbol);
+}
+int32_t bw_alert_get_alert_name(bw_alert* h, char** text) {
+  return getText(h, text, &CAlert::AlertName);
+}
+int32_t bw_alert_set_alert_name(bw_alert* h, const char* text) {
+  return setText(h, text, &CAlert::setAlertName);
+}
+int32_t bw_alert_get_alert_script(bw_alert* h, char** text) {
+  return getText(h, text, &CAlert::AlertScript);
+}
+int32_t bw_alert_set_alert_script(bw_alert* h, const char* text) {
+  return setText(h, text, &CAlert::setAlertScript);
+}
+
+int32_t bw_alert_evaluate(bw_alert* h, const char* script, int32_t* result) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!result) return kNullArgument;
+    return giveBool(handle.component.Evaluate(textOf(script)), result, kPlainTrue);
+  });
+}
+
+int32_t bw_alert_initialise_transient_store(bw_alert* h, int32_t variables_size) {
+  return onHandle(h, [&](bw_alert& handle) {
+    handle.component.InitialiseTransientStore(variables_size);
+    return kSuccess;
+  });
+}
+
+int32_t bw_alert_process_scrip_data(bw_alert* h, const char* script, int32_t* result) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!result) return kNullArgument;
+    const bool prepared = handle.component.ProcessScripData(textOf(script));
+    giveBool(prepared, result, kPlainTrue);
+    return prepared ? kSuccess : kFailure;
+  });
+}
+
+int32_t bw_alert_append_record_opt(bw_alert* h, double jdate, double open_price, double high_price,
+                                   double low_price, double close_price, int32_t volume,
+                                   double last_trade_date) {
+  return onHandle(h, [&](bw_alert& handle) {
+    const bool taken = handle.component.AppendRecord_Opt(jdate, open_price, high_price, low_price,
+                                                         close_price, volume, last_trade_date);
+    return taken ? kSuccess : kFailure;
+  });
+}
+
+int32_t bw_alert_edit_record_opt(bw_alert* h, double jdate, double open_price, double high_price,
+                                 double low_price, double close_price, int32_t volume, double last_trade_date,
+                                 int32_t* result) {
+  return onHandle(h, [&](bw_alert& handle) {
+    if (!result) return kNullArgument;
+    const std::optional<bool> edited = handle.component.EditRecord_Opt(
+        jdate, open_price, high_price, low_price, close_price, volume, last_trade_date);
+    giveBool(edited.value_or(false), result);
+    return edited ? kSuccess : kFailure;
+  });
+}
+
+int32_t bw_alert_get_variable_values_log(bw_alert* h, const char* path) {
+  return onHandle(h, [&](bw_alert& handle) {
+    handle.component.GetVariableValuesLog(textOf(path));
+    return kSuccess;
+  });
+}

@@ -1,0 +1,43 @@
+#include "services/validate/validate.hpp"
+
+#include "brindlewort/brindlewort.h"
+#include "functions/script_engine.hpp"
+#include "shell/c/handle.hpp"
+#include "shell/help/script_help.hpp"
+
+using namespace brindlewort;
+using namespace brindlewort::c_face;
+
+struct bw_validate {
+  CValidate component;
+};
+
+bw_validate* bw_validate_create(void) {
+  try {
+    return new bw_validate;
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+void bw_validate_destroy(bw_validate* h) {
+  delete h;
+}
+
+int32_t bw_validate_validate(bw_validate* h, const char* script, int32_t build_version, char** text) {
+  return onHandle(h, [&](bw_validate& handle) {
+    return text ? giveText(handle.component.Validate(textOf(script), build_version), text) : kNullArgument;
+  });
+}
+
+int32_t bw_validate_get_constant(bw_validate* h, const char* name, char** text) {
+  return onHandle(h, [&](bw_validate& handle) {
+    return text ? giveText(handle.component.Constant(textOf(name)), text) : kNullArgument;
+  });
+}
+
+int32_t bw_validate_get_script_help(bw_validate* h, char** text) {
+  return onHandle(h, [&](bw_validate& handle) {
+    return text ? giveText(scriptHelp(handle.component.engine().currentFunction), text) : kNullArgument;
+  });
+}
