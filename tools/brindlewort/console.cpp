@@ -68,6 +68,16 @@ void writeOutput(std::string_view text) {
   }
 }
 
+void writeFile(const std::string& path, std::string_view text) {
+  std::FILE* const file = std::fopen(path.c_str(), "wb");
+  const bool written = file && std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  const int error = errno;
+  const bool closed = file && std::fclose(file) == 0;
+  if (written && closed) return;
+  if (!written) errno = error;
+  throw ToolError(kExitInput, path + ": cannot write: " + reason());
+}
+
 ProgressLine::ProgressLine() : enabled_(isTerminal(stderr)), next_(Clock::now() + kQuietAtFirst) {}
 
 bool ProgressLine::due() const {

@@ -33,6 +33,9 @@ bool isTerminal(std::FILE* file);
 /// enough.
 void writeOutput(std::string_view text);
 
+/// Makes a file of a text, or replaces it.
+void writeFile(const std::string& path, std::string_view text);
+
 /// One line on standard error that tells how a long piece of work goes on. Silent when standard error is no
 /// terminal, and for the first moments, so that short work shows nothing.
 class ProgressLine {

@@ -19,14 +19,23 @@ std::string progressText(std::size_t bars, std::size_t bytes, std::size_t allByt
   return text;
 }
 
+std::string withoutByteOrderMark(std::string text) {
+  if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+  return text;
+}
+
 std::string readScriptFile(const std::string& path) {
   const InputFile file = openInput(path, "Give the path of a text file that holds a script.");
-  return readAll(file.get(), path);
+  return withoutByteOrderMark(readAll(file.get(), path));
 }
 
 std::string readScriptFromStandardInput() {
   if (isTerminal(stdin)) std::fputs("Type the script; end with Ctrl-D on a line of its own.\n", stderr);
-  return readAll(stdin, "standard input");
+  return withoutByteOrderMark(readAll(stdin, "standard input"));
+}
+
+bool isBlank(std::string_view text) {
+  return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
 }  // namespace
@@ -37,27 +46,41 @@ void BarsInput::addTo(CLI::App& command) {
       ->required();
 }
 
+void BarsInput::addOptionalTo(CLI::App& command) {
+  addTo(command);
+  command.get_option("BARS")->required(false);
+}
+
 void BarsInput::open() {
-  file_ = openInput(path_, "Give the path of a CSV file of bars, or - for standard input.");
+  file_ = openInput(fromStandardInput() ? "-" : path_,
+                    "Give the path of a CSV file of bars, or - for standard input.");
 }
 
 void BarsInput::read(const std::function<void(const Bar&)>& onBar, ProgressLine& progress) {
-  const std::string name = fromStandardInput() ? "standard input" : path_;
   const std::size_t allBytes = sizeOfFile(path_);
   std::size_t bytes = 0;
   std::string buffer;
   BarsCsvReader reader(onBar);
-  while (const std::size_t size = readPiece(file_.get(), buffer, name)) {
+  while (const std::size_t size = readPiece(file_.get(), buffer, name())) {
     if (!reader.feed(std::string_view(buffer).substr(0, size))) break;
     bytes += size;
     if (progress.due()) progress.show(progressText(reader.bars(), bytes, allBytes));
   }
-  if (!reader.finish()) throw ToolError(kExitInput, reader.problem()->message(name));
+  if (!reader.finish()) throw ToolError(kExitInput, reader.problem()->message(name()));
 }
 
 void ScriptInput::addTo(CLI::App& command) {
+  addTo(command, "-s,--script");
+}
+
+void ScriptInput::addAsArgumentTo(CLI::App& command) {
+  addTo(command, "SCRIPT,-s,--script");
+  command.get_option("--script")->allow_extra_args();
+}
+
+void ScriptInput::addTo(CLI::App& command, const std::string& textNames) {
   CLI::Option* const text = command.add_option(
-      "-s,--script", texts_,
+      textNames, texts_,
       "The script, or @FILE to read it from a file. Given several times, each is a line of it");
   text->type_name("TEXT")->take_all()->allow_extra_args(false);
   command.add_option("-f,--script-file", file_, "File that holds the script; - for standard input")
@@ -66,24 +89,28 @@ void ScriptInput::addTo(CLI::App& command) {
 }
 
 std::string ScriptInput::read(const BarsInput& bars) const {
-  const bool fromStandardInput = file_ == "-" || (texts_.empty() && file_.empty());
-  if (fromStandardInput && bars.fromStandardInput()) {
+  if (fromStandardInput() && bars.fromStandardInput()) {
     throw ToolError(kExitInput,
                     "standard input gives the bars, so the script cannot come from there. Give it by "
                     "--script 'TEXT' or --script-file FILE.");
   }
+  return read();
+}
 
+std::string ScriptInput::read() const {
+  std::string script = scriptOfArguments(texts_);
+  if (!file_.empty() && file_ != "-") script = readScriptFile(file_);
+  if (fromStandardInput()) script = readScriptFromStandardInput();
+
+  if (isBlank(script)) throw ToolError(kExitScript, "the script is empty. " + std::string(kNoScript));
+  return withScriptLineBreaks(script);
+}
+
+std::string scriptOfArguments(const std::vector<std::string>& texts) {
   std::string script;
-  for (const std::string& text : texts_) {
+  for (const std::string& text : texts) {
     if (!script.empty()) script += '\n';
     script += text.starts_with('@') ? readScriptFile(text.substr(1)) : text;
-  }
-  if (!file_.empty() && file_ != "-") script = readScriptFile(file_);
-  if (fromStandardInput) script = readScriptFromStandardInput();
-
-  if (script.starts_with(kByteOrderMark)) script.erase(0, kByteOrderMark.size());
-  if (script.find_first_not_of(" \t\r\n") == std::string::npos) {
-    throw ToolError(kExitScript, "the script is empty. " + std::string(kNoScript));
   }
   return withScriptLineBreaks(script);
 }

@@ -12,8 +12,9 @@ namespace {
 using brindlewort::tool::kExitInput;
 using brindlewort::tool::ToolError;
 
+/// An empty text stands for one that is told already.
 int fail(int code, const std::string& text) {
-  std::fprintf(stderr, "%s\n", text.c_str());
+  if (!text.empty()) std::fprintf(stderr, "%s\n", text.c_str());
   return code;
 }
 
@@ -49,6 +50,9 @@ int main(int argc, char** argv) {
   app.get_formatter()->column_width(28);
   app.require_subcommand(1);
   brindlewort::tool::addOutputCommand(app);
+  brindlewort::tool::addBacktestCommand(app);
+  brindlewort::tool::addAlertCommand(app);
+  brindlewort::tool::addValidateCommand(app);
   brindlewort::tool::addFunctionsCommand(app);
   brindlewort::tool::addHelpCommand(app);
   return run(app, argc, argv);

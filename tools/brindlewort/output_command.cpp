@@ -5,10 +5,11 @@
 #include <string>
 
 #include "commands.hpp"
-#include "functions/script_engine.hpp"
 #include "inputs.hpp"
+#include "live_feed.hpp"
+#include "live_rows.hpp"
 #include "output_formats.hpp"
-#include "series/text.hpp"
+#include "script_trial.hpp"
 #include "services/output/script_output.hpp"
 #include "tool_error.hpp"
 
@@ -16,7 +17,6 @@ namespace brindlewort::tool {
 namespace {
 
 constexpr std::int32_t kEventList = -1;
-constexpr std::int32_t kFillerBars = 2;  // put in front of the bars when all of them are to be printed
 
 constexpr char kFooter[] = R"(
 Script
@@ -45,13 +45,22 @@ First bar
   With --from -1 there are no columns: the output is one line with the numbers, counted from 1, of the bars
   where the script's last expression is 1.
 
+Following
+  With --follow each bar is answered by its row before the next one comes, and costs the same however many came
+  before. BARS may be left out: they come from standard input then. A bar with the date of the one before takes
+  its place, and its row is printed anew. Row by row the series start where the incremental way of the component
+  lets them start: no filler bars stand in front, the first bar is a row, and the script asks for as many bars as
+  its greatest period, not twice as many. Nothing is printed before that. Forms are csv, the heading once, then a
+  line a bar; and json, an object a line. An interrupt (Ctrl-C) and the end of the bars end it, exit code 0.
+
 Exit codes
   0 done, 1 the command line or the bars are at fault, 2 the script is at fault or needs more bars
 
 Examples
   brindlewort output bars.csv --script 'SET A = SMA(CLOSE, 14)' --script 'CLOSE > A' --format table
   brindlewort output bars.csv --script-file crossover.bws --sets FAST,SLOW --from 100
-  cat bars.csv | brindlewort output - --script @crossover.bws --format json)";
+  cat bars.csv | brindlewort output - --script @crossover.bws --format json
+  feed | brindlewort output --follow --script 'SET A = SMA(CLOSE, 14)' --script 'CLOSE > A')";
 
 struct OutputOptions {
   BarsInput bars;
@@ -59,11 +68,11 @@ struct OutputOptions {
   std::string sets;
   std::int32_t from = 0;
   std::string format = "csv";
+  bool follow = false;
 };
 
-[[noreturn]] void failForMoreBars(std::int32_t bars, const std::string& script, bool fillersCount) {
-  const std::int32_t wanted =
-      CScriptEngine().EstimateLookback(upperCase(script)) - (fillersCount ? kFillerBars : 0);
+[[noreturn]] void failForTooFewBars(std::int32_t bars, const std::string& script, bool fillersCount) {
+  const std::int32_t wanted = barsWanted(script, Way::kWholeHistory) + (fillersCount ? 0 : kFillerBars);
   throw ToolError(kExitScript, "Not enough data: the script asks for " + std::to_string(wanted) +
                                    " bars (twice the greatest period in it), and there are " +
                                    std::to_string(bars) + ". Give more bars, or use shorter periods.");
@@ -83,7 +92,28 @@ std::optional<std::string> outputText(CScriptOutput& component, const OutputOpti
   return options.format == "json" ? toJson(*table) : toAlignedTable(*table);
 }
 
+/// What --follow has no answer for.
+void checkFollowOptions(const OutputOptions& options) {
+  if (options.from == kEventList) {
+    throw ToolError(kExitInput, "--from -1 lists bars of the whole history. Leave it out, or --follow.");
+  }
+  if (options.format == "table") {
+    throw ToolError(kExitInput,
+                    "--format table needs all rows to align them. With --follow take csv or json.");
+  }
+}
+
+void runFollow(OutputOptions& options) {
+  checkFollowOptions(options);
+  options.bars.open();
+  LiveRows rows({options.script.read(options.bars), options.sets, options.from,
+                 options.format == "json" ? LiveRows::Form::kJsonLines : LiveRows::Form::kCsv});
+  if (answerBars(options.bars, [&](const Bar& bar) { return rows.take(bar); })) rows.finish();
+}
+
 void runOutput(OutputOptions& options) {
+  if (options.follow) return runFollow(options);
+  if (!options.bars.given()) throw CLI::RequiredError("BARS");
   if (options.from == kEventList && options.format != "csv") {
     throw ToolError(kExitInput, "--from -1 gives a list of bar numbers, which has no form as " +
                                     options.format + ". Leave --format out.");
@@ -107,7 +137,7 @@ void runOutput(OutputOptions& options) {
   const std::optional<std::string> text = outputText(component, options, script);
   progress.clear();
   if (!error.empty()) throw ToolError(kExitScript, error);
-  if (!text) failForMoreBars(bars, script, options.from == 0);
+  if (!text) failForTooFewBars(bars, script, options.from == 0);
   writeOutput(*text);
 }
 
@@ -116,7 +146,7 @@ void runOutput(OutputOptions& options) {
 void addOutputCommand(CLI::App& app) {
   CLI::App* const command = app.add_subcommand("output", "Compute the series of a script over price bars");
   const auto options = std::make_shared<OutputOptions>();
-  options->bars.addTo(*command);
+  options->bars.addOptionalTo(*command);
   options->script.addTo(*command);
   command->add_option("--sets", options->sets, "The columns wanted, separated by commas; all when left out")
       ->type_name("A,B");
@@ -131,6 +161,8 @@ void addOutputCommand(CLI::App& app) {
       ->type_name("FORMAT")
       ->capture_default_str()
       ->check(CLI::IsMember({"csv", "json", "table"}));
+  command->add_flag("--follow", options->follow,
+                    "Answer each bar as it comes, and each change of the last one; see below");
   command->footer(kFooter);
   command->callback([options] { runOutput(*options); });
 }

@@ -19,10 +19,13 @@ constexpr std::string_view kMidnight = " 00:00:00";
 constexpr std::string_view kBetweenColumns = "  ";
 constexpr int kDecimals = 4;
 
-/// The value that a bar has in a column; nothing for a missing one, an infinity or a non-number.
-std::optional<double> shownValue(const OutputTable& table, std::size_t column, std::size_t bar) {
-  const std::optional<double> value = table.at(column, bar);
+/// Nothing for a missing value, an infinity or a non-number.
+std::optional<double> shown(std::optional<double> value) {
   return value && !isNull(*value) && IsFiniteDouble(*value) ? value : std::nullopt;
+}
+
+std::optional<double> shownValue(const OutputTable& table, std::size_t column, std::size_t bar) {
+  return shown(table.at(column, bar));
 }
 
 std::string dateText(const OutputTable& table, std::size_t bar) {
@@ -33,6 +36,10 @@ std::string dateText(const OutputTable& table, std::size_t bar) {
 
 std::string dump(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+Json jsonNumber(std::optional<double> value) {
+  return value ? Json(*value) : Json(nullptr);
 }
 
 template <typename Cell>
@@ -94,10 +101,16 @@ std::string toJson(const OutputTable& table) {
   text += dump(columnJson(table, [&](std::size_t bar) { return Json(table.bars[bar].JDate); }));
   for (std::size_t column = 0; column < table.columns.size(); ++column) {
     text += ",\n" + dump(Json(table.columns[column].name)) + ':';
-    text += dump(columnJson(table, [&](std::size_t bar) {
-      const std::optional<double> value = shownValue(table, column, bar);
-      return value ? Json(*value) : Json(nullptr);
-    }));
+    text +=
+        dump(columnJson(table, [&](std::size_t bar) { return jsonNumber(shownValue(table, column, bar)); }));
+  }
+  return text + "}\n";
+}
+
+std::string toJsonLine(double jDate, std::span<const NamedValue> values) {
+  std::string text = "{\"Date\":" + dump(Json(DateTimeText(jDate))) + ",\"JDate\":" + dump(Json(jDate));
+  for (const NamedValue& entry : values) {
+    text += ',' + dump(Json(entry.name)) + ':' + dump(jsonNumber(shown(entry.value)));
   }
   return text + "}\n";
 }

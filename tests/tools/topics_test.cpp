@@ -1,0 +1,118 @@
+#include "topics.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "functions/function_table.hpp"
+#include "shell/help/script_help.hpp"
+#include "tool_fixture.hpp"
+
+namespace brindlewort::tool {
+namespace {
+
+using Names = std::vector<std::string_view>;
+
+TEST(Topics, SlipsAreLettersMoreLessWrongOrTurnedRound) {
+  EXPECT_EQ(slipsBetween("", ""), 0u);
+  EXPECT_EQ(slipsBetween("SMA", "SMA"), 0u);
+  EXPECT_EQ(slipsBetween("SMA", ""), 3u);
+  EXPECT_EQ(slipsBetween("", "SMA"), 3u);
+  EXPECT_EQ(slipsBetween("SMA", "SMAX"), 1u);
+  EXPECT_EQ(slipsBetween("SMA", "SA"), 1u);
+  EXPECT_EQ(slipsBetween("SMA", "EMA"), 1u);
+  EXPECT_EQ(slipsBetween("SMA", "MSA"), 1u);
+  EXPECT_EQ(slipsBetween("CROSSOVER", "CORSSOVR"), 2u);
+  EXPECT_EQ(slipsBetween("ABC", "XYZ"), 3u);
+}
+
+TEST(Topics, TheNearestNameComesFirst) {
+  const Names names = {"SMA", "EMA", "CROSSOVER", "MAX", "MAXOF", "%SWINGPTOP"};
+  EXPECT_EQ(nearNames(names, "crosover", 8), Names{"CROSSOVER"});
+  EXPECT_EQ(nearNames(names, "SMAA", 8), (Names{"SMA", "EMA", "MAX"}));
+  EXPECT_EQ(nearNames(names, "SMAA", 1), Names{"SMA"});
+  EXPECT_EQ(nearNames(names, "swingp", 8), Names{"%SWINGPTOP"});
+  EXPECT_EQ(nearNames(names, "MAXOFALL", 8), (Names{"MAXOF", "MAX"}));
+  EXPECT_EQ(nearNames(names, "", 8), Names{});
+  EXPECT_EQ(nearNames(names, "NOTHING LIKE IT", 8), Names{});
+  EXPECT_EQ(nearNames(names, std::string(100'000, 'S'), 8), Names{});
+}
+
+TEST(Topics, LinesKeepTheirWidth) {
+  EXPECT_EQ(inLines({}, "  ", 20), "");
+  EXPECT_EQ(inLines(Names{"SMA"}, "  ", 20), "  SMA\n");
+  EXPECT_EQ(inLines(Names{"SMA", "EMA", "CROSSOVER"}, "  ", 12), "  SMA, EMA,\n  CROSSOVER\n");
+  EXPECT_EQ(inLines(Names{"CROSSOVER", "A"}, "  ", 4), "  CROSSOVER,\n  A\n");
+}
+
+TEST(Topics, EveryNameHasAText) {
+  const Names names = topicNames();
+  EXPECT_TRUE(std::ranges::is_sorted(names));
+  EXPECT_GT(names.size(), pageNames().size() + 20);
+  for (const std::string_view name : names) EXPECT_NE(topicText(name), "") << name;
+  for (const std::string_view name : pageNames()) {
+    EXPECT_EQ(topicText(name), std::string(manualPage(name)) + '\n');
+    EXPECT_TRUE(std::ranges::binary_search(names, name));
+  }
+  EXPECT_EQ(topicText("NOSUCHNAME"), "");
+  EXPECT_EQ(topicText(""), "");
+}
+
+using Help = Tool;
+
+TEST_F(Help, WithoutANameItListsCommandsAndTopics) {
+  const Outcome run = this->run({"help"});
+  EXPECT_EQ(run.code, 0);
+  EXPECT_EQ(run.out.substr(0, run.out.find("\nManual pages")), this->run({"--help"}).out);
+  EXPECT_NE(run.out.find(" CROSSOVER,"), std::string::npos);
+}
+
+TEST_F(Help, PrintsTheManualPageOfAName) {
+  for (const char* name : {"SMA", "sma", "SimpleMovingAverage", " SMA (CLOSE, 14)"}) {
+    const Outcome run = this->run({"help", name});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, std::string(manualPage("SMA")) + '\n');
+    EXPECT_EQ(run.out.substr(0, 36), "SimpleMovingAverage(Vector, Periods)");
+  }
+}
+
+TEST_F(Help, AFunctionWithoutAPageHasItsReferenceSection) {
+  ASSERT_EQ(manualPage("ULTOSC"), "");
+  const Outcome run = this->run({"help", "ultosc"});
+  EXPECT_EQ(run.code, 0);
+  EXPECT_EQ(run.out, this->run({"functions", "ULTOSC"}).out);
+}
+
+TEST_F(Help, AnUnknownNameTellsNearOnes) {
+  const Outcome run = this->run({"help", "crosover"});
+  EXPECT_EQ(run.code, 2);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err,
+            "There is no command, function or word crosover. Near it are:\n"
+            "  CROSSOVER\n"
+            "'brindlewort help' lists all there are.\n");
+  EXPECT_NE(this->run({"help", "outptu"}).err.find("\n  output"), std::string::npos);
+  EXPECT_EQ(this->run({"help", "QQQQQQQQQQ"}).err,
+            "There is no command, function or word QQQQQQQQQQ. 'brindlewort help' lists all there are.\n");
+}
+
+using Validate = Tool;
+
+TEST_F(Validate, TheToolTellsTheFaultOnStandardOutput) {
+  const Outcome valid = run({"validate", "CLOSE > SMA(CLOSE, 14)"});
+  EXPECT_EQ(valid.code, 0);
+  EXPECT_EQ(valid.out, "The script is valid.\n");
+  const Outcome faulty = run({"validate", "@" + write("s.bws", "SET A = SMA(CLOSE, 14)\nCLOSE>A\n")});
+  EXPECT_EQ(faulty.code, 2);
+  EXPECT_EQ(faulty.out, "Error: No space before '>'\n");
+  EXPECT_EQ(faulty.err, "");
+  EXPECT_EQ(run({"validate"}, "CLOSE > OPEN\n").out, "The script is valid.\n");
+  EXPECT_EQ(run({"validate", "SET A = OPEN", "CLOSE > A"}).out, "The script is valid.\n");
+  EXPECT_EQ(run({"validate", "@no_such_file.bws"}).code, 1);
+  EXPECT_EQ(run({"validate", "CLOSE > OPEN", "--script-file", "x"}).code, 1);
+}
+
+}  // namespace
+}  // namespace brindlewort::tool
