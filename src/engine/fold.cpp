@@ -207,11 +207,7 @@ Fold::Operand Fold::evaluate(Term& term) {
         operand.value = operand.lastRow = dates.back();
         break;
       }
-      if (term.namedShape != engine_.variables.shape()) {
-        term.named = engine_.lookupFast(term.text);
-        term.namedShape = term.named ? engine_.variables.shape() : 0;
-      }
-      return operandOf(term.named);
+      return operandOf(engine_.variableOf(term));
   }
   return operand;
 }

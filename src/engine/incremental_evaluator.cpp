@@ -58,6 +58,24 @@ StoreEntry* CScriptEngine::entryOf(Expression& expression) {
   return entry;
 }
 
+/// True for a text that is nothing but the name of its own entry, as a variable's name in an argument or a bracket is:
+/// there is nothing to compute.
+bool CScriptEngine::isItsOwnName(Expression& expression) {
+  if (expression.steps.size() != 1 || !errorText.empty()) return false;
+  Term& term = expression.steps[0].term;
+  if (term.kind != Term::Kind::kName || term.text == "DATE") return false;
+  return !expression.isSet && expression.entry == variableOf(term) && !expression.entry->values.empty();
+}
+
+/// What the name of a term means.
+const StoreEntry* CScriptEngine::variableOf(Term& term) {
+  if (term.namedShape != variables.shape()) {
+    term.named = lookupFast(term.text);
+    term.namedShape = term.named ? variables.shape() : 0;
+  }
+  return term.named;
+}
+
 const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
   const DepthGuard guard(depth_);
   if (depth_ > kMaxDepth) {
@@ -69,6 +87,7 @@ const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
   if (!entry) return nothing();
   if (expression.isDirect) return *entry;
   if (!expression.scanned) scanExpression(expression);
+  if (isItsOwnName(expression)) return *entry;
   Fold(*this, expression, *entry).run();
   if (!expression.setName.empty()) rememberFast(expression, *entry);
   return *entry;

@@ -18,6 +18,7 @@
 namespace brindlewort {
 
 class ExpressionTable;
+struct Term;
 
 /// The interpreter: state and operations of one run of a script over one symbol's bars.
 ///
@@ -190,6 +191,8 @@ class CScriptEngine {
   StoreEntry* resultOf(CallSite& site);
   StoreEntry* entryOf(Expression& expression);
   StoreEntry* lookupFast(std::string_view name);
+  const StoreEntry* variableOf(Term& term);
+  bool isItsOwnName(Expression& expression);
   StoreEntry* dateEntry();
   void rememberFast(Expression& statement, const StoreEntry& value);
   void copyToVariable(const Expression& statement, const StoreEntry& value, StoreEntry& variable);

@@ -15,6 +15,7 @@
 #include "series/text.hpp"
 #include "services/output/long_names.hpp"
 #include "services/output/script_output.hpp"
+#include "services/validate/validate.hpp"
 #include "shell/help/help_texts.hpp"
 #include "shell/help/script_help.hpp"
 
@@ -102,6 +103,11 @@ TEST_P(HelpExample, RunsDry) {
   CScriptEngine engine;
   const std::string text = engine.RunScript(withShortNames(upperCase(script_)), false, true);
   EXPECT_TRUE(text.empty() || text == "ALERT") << text << "\n" << script_;
+}
+
+TEST_P(HelpExample, HasNoFaultForTheValidator) {
+  CValidate validate;
+  EXPECT_EQ(validate.Validate(script_, -1), "") << script_;
 }
 
 /// The names that a text calls: words with a "(" behind them.
