@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "bars_csv.hpp"
+#include "series/julian_date.hpp"
 #include "series/null_value.hpp"
+#include "services/backtest/backtest.hpp"
 #include "services/output/script_output.hpp"
 
 namespace brindlewort::tool {
@@ -108,6 +110,48 @@ TEST(RealBars, HourlyCrossoverPrintsALinePerBar) {
             sumNewestFirst({1.0726, 1.07192, 1.07202, 1.0705, 1.07128, 1.07064, 1.07102, 1.07122, 1.07202,
                             1.07162, 1.07114, 1.0711, 1.07154, 1.07149}) /
                 14);
+}
+
+/// The strategy of the demo. Each entry and exit was looked up in the file by hand: an entry is the close of the day on
+/// which the mean of 10 rises above that of 30; the stop stands 5 percent below it and follows the highest high.
+TEST(RealBars, TheDemoStrategyTradesOverDailyBars) {
+  std::ifstream in(dataFolder() / "daily.csv", std::ios::binary);
+  if (!in) GTEST_SKIP() << "no daily.csv in " << dataFolder();
+  std::ostringstream text;
+  text << in.rdbuf();
+  CBacktest backtest;
+  BarsCsvReader reader([&](const Bar& bar) {
+    backtest.AppendRecord(bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice, bar.ClosePrice,
+                          volumeToInt32(bar.Volume));
+  });
+  ASSERT_TRUE(reader.feed(text.str()) && reader.finish());
+  const BacktestRun run = backtest.runBacktest({"CROSSOVER(SMA(CLOSE, 10), SMA(CLOSE, 30)) = TRUE", "",
+                                                "CROSSOVER(SMA(CLOSE, 30), SMA(CLOSE, 10)) = TRUE", "", 0.0,
+                                                "StopLoss=5;TrailingStop=1;ProfitTarget=0;NoActivity=0;"});
+  EXPECT_EQ(run.buys, 33u);
+  EXPECT_EQ(run.longExits, 33u);
+  ASSERT_EQ(run.trades.size(), 2u * 33u);
+
+  struct Expected {
+    double entryDate, entryPrice, exitDate, exitPrice;
+  };
+  const Expected kTrades[] = {
+      // 0.95 * 185.02 + (203.64 of 2005-01-03 - 185.02) = 194.389; the low of 2005-01-04 is 193.48.
+      {ToJulianDate(2004, 12, 20, 0, 0, 0), 185.02, ToJulianDate(2005, 1, 4, 0, 0, 0), 194.389},
+      // 0.95 * 196.03 + (201.60 of the day itself - 196.03) = 191.7985; its low is 189.46.
+      {ToJulianDate(2005, 2, 7, 0, 0, 0), 196.03, ToJulianDate(2005, 2, 9, 0, 0, 0), 191.7985},
+      // 0.95 * 193.76 + (195.10 of 2005-04-08 - 193.76) = 185.412; the low of 2005-04-15 is 184.66.
+      {ToJulianDate(2005, 4, 7, 0, 0, 0), 193.76, ToJulianDate(2005, 4, 15, 0, 0, 0), 185.412},
+  };
+  for (std::size_t i = 0; i < std::size(kTrades); ++i) {
+    const SignalRecord& entry = run.trades[2 * i];
+    const SignalRecord& exit = run.trades[2 * i + 1];
+    EXPECT_EQ(entry.JDate, kTrades[i].entryDate);
+    EXPECT_EQ(entry.Price, kTrades[i].entryPrice);
+    EXPECT_EQ(exit.JDate, kTrades[i].exitDate);
+    EXPECT_NEAR(exit.Price, kTrades[i].exitPrice, 1e-9);
+    EXPECT_EQ(exit.Signal, kTradeTrailingStop);
+  }
 }
 
 }  // namespace
