@@ -11,22 +11,24 @@
 /// What the handlers of the incremental way share.
 namespace brindlewort::incremental {
 
-/// The argument texts of a call, with one slot more than the function accepts.
+/// The call as the tools of both ways take it.
+inline FunctionCall callOf(const CallSite& site) {
+  return {site.name, site.argumentText};
+}
+
 template <std::size_t accepted>
-struct Slots : std::array<std::string_view, accepted + 1> {
-  Slots(CScriptEngine& engine, const CallSite& site, int required) {
-    engine.SplitArguments(site.argumentText, required, *this);
-  }
-  bool surplus() const { return !this->back().empty(); }
+struct Slots : handlers::Slots<accepted> {
+  Slots(CScriptEngine& engine, const CallSite& site, int required)
+      : handlers::Slots<accepted>(engine, callOf(site), required) {}
 };
 
 inline bool reportSurplus(CScriptEngine& engine, const CallSite& site) {
-  return engine.ReportInvalid(site.name, "Number of");
+  return handlers::reportSurplus(engine, callOf(site));
 }
 
 template <class SlotRange>
 bool notNegative(CScriptEngine& engine, const CallSite& site, const SlotRange& slots) {
-  return handlers::notNegative(engine, FunctionCall{site.name, {}}, slots);
+  return handlers::notNegative(engine, callOf(site), slots);
 }
 
 /// Binds a slot to a series or number, or reports that it is missing.
