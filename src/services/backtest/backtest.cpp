@@ -6,6 +6,7 @@
 #include "functions/script_engine.hpp"
 #include "platform/clock.hpp"
 #include "series/julian_date.hpp"
+#include "series/make_bar.hpp"
 #include "series/text.hpp"
 
 namespace brindlewort {
@@ -13,17 +14,6 @@ namespace brindlewort {
 namespace {
 
 constexpr std::string_view kOutOfMemory = "Error: Out of memory.";
-
-Bar makeBar(double JDate, double Open, double High, double Low, double Close, std::int32_t Volume) {
-  Bar bar;
-  bar.JDate = JDate;
-  bar.OpenPrice = Open;
-  bar.HighPrice = High;
-  bar.LowPrice = Low;
-  bar.ClosePrice = Close;
-  bar.Volume = Volume;
-  return bar;
-}
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "functions/script_engine.hpp"
+#include "series/make_bar.hpp"
 #include "series/text.hpp"
 #include "services/output/output_worker.hpp"
 #include "services/output/pointer_block.hpp"
@@ -16,17 +17,6 @@ constexpr std::string_view kOutOfMemory = "Error: Out of memory.";
 
 bool asksForCandles(std::string_view script) {
   return contains(upperCase(script), "CSP");
-}
-
-Bar makeBar(double JDate, double Open, double High, double Low, double Close, std::int32_t Volume) {
-  Bar bar;
-  bar.JDate = JDate;
-  bar.OpenPrice = Open;
-  bar.HighPrice = High;
-  bar.LowPrice = Low;
-  bar.ClosePrice = Close;
-  bar.Volume = Volume;
-  return bar;
 }
 
 }  // namespace
