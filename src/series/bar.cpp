@@ -33,18 +33,23 @@ std::ptrdiff_t BarStore::findDate(double date) const {
 bool BarStore::EditRecord(const Bar& bar) {
   const std::ptrdiff_t row = findDate(bar.JDate);
   if (row == kNotFound) return false;
-  bars_[static_cast<std::size_t>(row)] = bar;
+  replace(static_cast<std::size_t>(row), bar);
   return true;
 }
 
 bool BarStore::EditJDate(double oldDate, double newDate) {
   const std::ptrdiff_t row = findDate(oldDate);
   if (row == kNotFound) return false;
-  const std::size_t at = static_cast<std::size_t>(row);
-  bars_[at].JDate = newDate;
-  rising_ = rising_ && newDate == newDate && (at == 0 || newDate > bars_[at - 1].JDate) &&
-            (at + 1 == bars_.size() || newDate < bars_[at + 1].JDate);
+  Bar bar = bars_[static_cast<std::size_t>(row)];
+  bar.JDate = newDate;
+  replace(static_cast<std::size_t>(row), bar);
   return true;
+}
+
+void BarStore::replace(std::size_t row, const Bar& bar) {
+  bars_[row] = bar;
+  rising_ = rising_ && bar.JDate == bar.JDate && (row == 0 || bar.JDate > bars_[row - 1].JDate) &&
+            (row + 1 == bars_.size() || bar.JDate < bars_[row + 1].JDate);
 }
 
 std::ptrdiff_t BarStore::lastRowBefore(double date) const {

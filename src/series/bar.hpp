@@ -47,8 +47,8 @@ class BarStore {
   std::size_t size() const { return bars_.size(); }
   bool empty() const { return bars_.empty(); }
   const Bar& operator[](std::size_t row) const { return bars_[row]; }
-  /// Replaces a bar by another of the same date.
-  void replace(std::size_t row, const Bar& bar) { bars_[row] = bar; }
+  /// Replaces the bar of a row, also by one of another date.
+  void replace(std::size_t row, const Bar& bar);
   const Bar& back() const { return bars_.back(); }
   /// Room for `more` bars, grown in proportion, so that blocks of any size are appended in linear time.
   void makeRoom(std::size_t more);

@@ -156,6 +156,15 @@ TEST(BarStore, ADateIsFoundInRisingAndInUnorderedBarsAlike) {
   EXPECT_EQ(cleared.findDate(10.0), BarStore::kNotFound);
 }
 
+TEST(BarStore, AReplacedBarIsFoundByItsNewDate) {
+  BarStore store = storeOf({10.0, 20.0, 30.0});
+  store.replace(0, Bar{25.0});  // 25, 20, 30: no longer rising
+  EXPECT_EQ(store.findDate(10.0), BarStore::kNotFound);
+  EXPECT_EQ(store.findDate(20.0), 1);
+  EXPECT_EQ(store.findDate(25.0), 0);
+  EXPECT_EQ(store.RecordCount(), 3);
+}
+
 TEST(BarStore, TheLastBarCanBeTakenAway) {
   BarStore store = storeOf({10.0, 20.0});
   store.dropLast();

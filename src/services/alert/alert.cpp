@@ -29,14 +29,6 @@ Bar makeBar(double JDate, double Open, double High, double Low, double Close, st
   return bar;
 }
 
-/// Replaces the bar of a row, which may have another date.
-void replaceBar(BarStore& store, std::size_t row, const Bar& bar) {
-  // A store whose dates rise finds each row by its date, and must hear of the change.
-  const double oldDate = store[row].JDate;
-  if (store.findDate(oldDate) == static_cast<std::ptrdiff_t>(row)) store.EditJDate(oldDate, bar.JDate);
-  store.replace(row, bar);
-}
-
 }  // namespace
 
 CAlert::CAlert(platform::AlertCount& count)
@@ -259,7 +251,7 @@ std::optional<bool> CAlert::EditRecord_Opt(double JDate, double OpenPrice, doubl
   const std::size_t row = static_cast<std::size_t>(found);
   const Bar bar = makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume, dJDateOfLTT);
   // The plain store holds every bar of the other, and maybe more.
-  replaceBar(bars_, row, bar);
+  bars_.replace(row, bar);
   livingBars_.replace(row, bar);
   if (living_->ApplyBarChange(bar, CScriptEngine::kChangedLastBar) != 0) return std::nullopt;
   evaluateLiving();
