@@ -85,7 +85,8 @@ void streamAlert(Input& input, std::string_view script) {
         alert.EditRecord(bars, close, close + 1, close - 1, close, 100, bars);
         break;
       case 2:
-        alert.AppendRecord(++bars, close, close + 1, close - 1, close, 100, bars);
+        ++bars;
+        alert.AppendRecord(bars, close, close + 1, close - 1, close, 100, bars);
         break;
       case 3:
         alert.Evaluate(script);
@@ -94,7 +95,8 @@ void streamAlert(Input& input, std::string_view script) {
         if (input.byte() == 0) alert.ClearRecords();
         break;
       default:
-        alert.AppendRecord_Opt(++bars, close, close + 1, close - 1, close, 100, bars);
+        ++bars;
+        alert.AppendRecord_Opt(bars, close, close + 1, close - 1, close, 100, bars);
         break;
     }
   }
