@@ -15,8 +15,7 @@ constexpr DISPID kScriptErrorEvent = 2;
 
 class AlertComponent final : public RecordMembers<IAlert, CAlert, MissingOut::kSkipped> {
  public:
-  explicit AlertComponent(IUnknown* outer)
-      : RecordMembers(outer), sinks_(this->outer(), __uuidof(_IAlertEvents)) {
+  explicit AlertComponent(IUnknown* outer) : RecordMembers(outer, __uuidof(_IAlertEvents)) {
     // The type information declares the first two arguments only. A sink that reads them by position, first
     // to last, gets price, date, symbol and name: the order that hosts in use rely on.
     logic_.Alert = [this](const std::string& symbol, const std::string& alertName, double lastTradeDate,
@@ -44,33 +43,12 @@ class AlertComponent final : public RecordMembers<IAlert, CAlert, MissingOut::kS
           logic_.EditRecord(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume, dJDateOfLTT), Result);
     });
   }
-  STDMETHODIMP get_Symbol(BSTR* Text) override {
-    return call([&] { return giveText(logic_.Symbol(), Text); });
-  }
-  STDMETHODIMP put_Symbol(BSTR Text) override {
-    return call([&] {
-      logic_.setSymbol(narrow(Text));
-      return S_OK;
-    });
-  }
-  STDMETHODIMP get_AlertScript(BSTR* Text) override {
-    return call([&] { return giveText(logic_.AlertScript(), Text); });
-  }
-  STDMETHODIMP put_AlertScript(BSTR Text) override {
-    return call([&] {
-      logic_.setAlertScript(narrow(Text));
-      return S_OK;
-    });
-  }
-  STDMETHODIMP get_AlertName(BSTR* Text) override {
-    return call([&] { return giveText(logic_.AlertName(), Text); });
-  }
-  STDMETHODIMP put_AlertName(BSTR Text) override {
-    return call([&] {
-      logic_.setAlertName(narrow(Text));
-      return S_OK;
-    });
-  }
+  STDMETHODIMP get_Symbol(BSTR* Text) override { return getText(&CAlert::Symbol, Text); }
+  STDMETHODIMP put_Symbol(BSTR Text) override { return setText(&CAlert::setSymbol, Text); }
+  STDMETHODIMP get_AlertScript(BSTR* Text) override { return getText(&CAlert::AlertScript, Text); }
+  STDMETHODIMP put_AlertScript(BSTR Text) override { return setText(&CAlert::setAlertScript, Text); }
+  STDMETHODIMP get_AlertName(BSTR* Text) override { return getText(&CAlert::AlertName, Text); }
+  STDMETHODIMP put_AlertName(BSTR Text) override { return setText(&CAlert::setAlertName, Text); }
   STDMETHODIMP get_ScriptHelp(BSTR* Text) override {
     return call([&] { return giveText(scriptHelp(logic_.lastFunction()), Text); });
   }
@@ -129,11 +107,15 @@ class AlertComponent final : public RecordMembers<IAlert, CAlert, MissingOut::kS
   }
 
  private:
-  IUnknown* furtherInterface(REFIID iid) override {
-    return iid == __uuidof(IConnectionPointContainer) ? &sinks_ : nullptr;
+  HRESULT getText(const std::string& (CAlert::*property)() const, BSTR* text) {
+    return call([&] { return giveText((logic_.*property)(), text); });
   }
-
-  ConnectionPoints sinks_;
+  HRESULT setText(void (CAlert::*property)(std::string_view), BSTR text) {
+    return call([&] {
+      (logic_.*property)(narrow(text));
+      return S_OK;
+    });
+  }
 };
 
 }  // namespace

@@ -15,8 +15,7 @@ constexpr DISPID kScriptErrorEvent = 1;
 
 class BacktestComponent final : public PlainBarMembers<IBacktest, CBacktest, MissingOut::kSkipped> {
  public:
-  explicit BacktestComponent(IUnknown* outer)
-      : PlainBarMembers(outer), sinks_(this->outer(), __uuidof(_IBacktestEvents)) {
+  explicit BacktestComponent(IUnknown* outer) : PlainBarMembers(outer, __uuidof(_IBacktestEvents)) {
     logic_.ScriptError = [this](const std::string& description) {
       fire(sinks_, kScriptErrorEvent, description);
     };
@@ -49,12 +48,6 @@ class BacktestComponent final : public PlainBarMembers<IBacktest, CBacktest, Mis
                       report);
     });
   }
-
-  IUnknown* furtherInterface(REFIID iid) override {
-    return iid == __uuidof(IConnectionPointContainer) ? &sinks_ : nullptr;
-  }
-
-  ConnectionPoints sinks_;
 };
 
 }  // namespace

@@ -73,6 +73,9 @@ class Component : public Interface {
   /// An interface that a component has beside those of all; null when there is none of this name.
   virtual IUnknown* furtherInterface(REFIID) { return nullptr; }
 
+  /// Lets go of what the component holds of its host, while it can still be called.
+  virtual void disconnect() {}
+
   /// Runs the body of a member. An event within it may make the host let go of the component; it lives on to
   /// the end of the call.
   template <class Work>
@@ -101,8 +104,9 @@ class Component : public Interface {
     STDMETHODIMP_(ULONG) Release() override {
       const LONG left = InterlockedDecrement(&references_);
       if (left != 0) return static_cast<ULONG>(left);
-      // Sinks that are let go of may take and release references once more.
+      // Sinks that are let go of may take and release references once more, and call the component.
       references_ = std::numeric_limits<LONG>::max() / 2;
+      component_.disconnect();
       delete &component_;
       return 0;
     }

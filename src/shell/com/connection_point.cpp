@@ -3,6 +3,7 @@
 #include <olectl.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "shell/com/enumerator.hpp"
 #include "shell/com/guarded.hpp"
@@ -22,6 +23,12 @@ void ConnectionPoint::fire(DISPID event, std::span<VARIANTARG> arguments) {
   }
   --firing_;
   dropEmptySlots();
+}
+
+void ConnectionPoint::disconnectAll() {
+  // A sink's last release may call the component, which then has no sinks any more.
+  const std::vector<Slot> leaving = std::move(slots_);
+  slots_.clear();
 }
 
 std::vector<CONNECTDATA> ConnectionPoint::connections() const {

@@ -24,6 +24,9 @@ class ConnectionPoint final : public IConnectionPoint {
   /// the last first.
   void fire(DISPID event, std::span<VARIANTARG> arguments);
 
+  /// Lets go of all sinks.
+  void disconnectAll();
+
   /// The connected sinks.
   std::vector<CONNECTDATA> connections() const;
 
@@ -58,6 +61,7 @@ class ConnectionPoints final : public Facet<IConnectionPointContainer> {
   ConnectionPoints(IUnknown& owner, REFIID events) : Facet(owner), point_(*this, events), events_(events) {}
 
   void fire(DISPID event, std::span<VARIANTARG> arguments) { point_.fire(event, arguments); }
+  void disconnectAll() { point_.disconnectAll(); }
 
   STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints** points) override;
   STDMETHODIMP FindConnectionPoint(REFIID iid, IConnectionPoint** point) override;

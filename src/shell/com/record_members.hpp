@@ -5,6 +5,7 @@
 #include "series/bar.hpp"
 #include "series/julian_date.hpp"
 #include "shell/com/component.hpp"
+#include "shell/com/connection_point.hpp"
 #include "shell/com/text.hpp"
 
 namespace brindlewort::com {
@@ -79,8 +80,10 @@ class RecordMembers : public Component<Interface> {
   }
 
  protected:
-  using Component<Interface>::Component;
+  RecordMembers(IUnknown* outer, REFIID events)
+      : Component<Interface>(outer), sinks_(this->outer(), events) {}
 
+  ConnectionPoints sinks_;
   Logic logic_;
 
  private:
@@ -88,6 +91,12 @@ class RecordMembers : public Component<Interface> {
   static bool isMissing(Outs... outs) {
     return missingOut == MissingOut::kRefused && (... || !outs);
   }
+
+  IUnknown* furtherInterface(REFIID iid) override {
+    return iid == __uuidof(IConnectionPointContainer) ? &sinks_ : nullptr;
+  }
+
+  void disconnect() override { sinks_.disconnectAll(); }
 
   static HRESULT giveBar(const Bar* bar, double* jdate, double* open, double* high, double* low,
                          double* close, LONG* volume, VARIANT_BOOL* result) {

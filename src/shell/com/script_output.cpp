@@ -39,8 +39,7 @@ class ListHandle {
 class ScriptOutputComponent final
     : public PlainBarMembers<IScriptOutput, CScriptOutput, MissingOut::kRefused> {
  public:
-  explicit ScriptOutputComponent(IUnknown* outer)
-      : PlainBarMembers(outer), sinks_(this->outer(), __uuidof(_IScriptOutputEvents)) {
+  explicit ScriptOutputComponent(IUnknown* outer) : PlainBarMembers(outer, __uuidof(_IScriptOutputEvents)) {
     logic_.ScriptError = [this](const std::string& description) {
       fire(sinks_, kScriptErrorEvent, description);
     };
@@ -157,11 +156,6 @@ class ScriptOutputComponent final
   }
 
  private:
-  IUnknown* furtherInterface(REFIID iid) override {
-    return iid == __uuidof(IConnectionPointContainer) ? &sinks_ : nullptr;
-  }
-
-  ConnectionPoints sinks_;
   ListHandle handle_;
 };
 
