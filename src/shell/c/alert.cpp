@@ -1,12 +1,9 @@
 #include "services/alert/alert.hpp"
 
-#include <new>
 #include <vector>
 
 #include "brindlewort/brindlewort.h"
-#include "series/julian_date.hpp"
-#include "series/numbers.hpp"
-#include "shell/c/handle.hpp"
+#include "shell/c/component_calls.hpp"
 #include "shell/help/script_help.hpp"
 
 using namespace brindlewort;
@@ -35,11 +32,7 @@ int32_t getText(bw_alert* h, char** text, Get get) {
 }  // namespace
 
 bw_alert* bw_alert_create(void) {
-  try {
-    return new bw_alert;
-  } catch (...) {
-    return nullptr;
-  }
+  return create<bw_alert>();
 }
 
 void bw_alert_destroy(bw_alert* h) {
@@ -109,49 +102,30 @@ int32_t bw_alert_edit_record(bw_alert* h, double jdate, double open_price, doubl
 int32_t bw_alert_get_record_by_jdate(bw_alert* h, double jdate, double* open_price, double* high_price,
                                      double* low_price, double* close_price, int32_t* volume,
                                      int32_t* result) {
-  return onHandle(h, [&](bw_alert& handle) {
-    if (!result) return kNullArgument;
-    return giveBar(handle.component.GetRecordByJDate(jdate), nullptr, open_price, high_price, low_price,
-                   close_price, volume, result);
-  });
+  return getRecordByJDate(h, jdate, open_price, high_price, low_price, close_price, volume, result);
 }
 
 int32_t bw_alert_get_record_by_index(bw_alert* h, int32_t index, double* jdate, double* open_price,
                                      double* high_price, double* low_price, double* close_price,
                                      int32_t* volume, int32_t* result) {
-  return onHandle(h, [&](bw_alert& handle) {
-    if (!result) return kNullArgument;
-    return giveBar(handle.component.GetRecordByIndex(index), jdate, open_price, high_price, low_price,
-                   close_price, volume, result);
-  });
+  return getRecordByIndex(h, index, jdate, open_price, high_price, low_price, close_price, volume, result);
 }
 
 int32_t bw_alert_clear_records(bw_alert* h) {
-  return onHandle(h, [](bw_alert& handle) {
-    handle.component.ClearRecords();
-    return kSuccess;
-  });
+  return clearRecords(h);
 }
 
 int32_t bw_alert_get_record_count(bw_alert* h, int32_t* count) {
-  return onHandle(h, [&](bw_alert& handle) {
-    if (!count) return kNullArgument;
-    *count = handle.component.RecordCount();
-    return kSuccess;
-  });
+  return getRecordCount(h, count);
 }
 
 int32_t bw_alert_to_julian_date(bw_alert* h, int32_t year, int32_t month, int32_t day, int32_t hour,
                                 int32_t minute, int32_t second, int32_t /*millisecond*/, double* jdate) {
-  return onHandle(h, [&](bw_alert&) {
-    if (!jdate) return kNullArgument;
-    *jdate = ToJulianDate(year, month, day, hour, minute, second);
-    return kSuccess;
-  });
+  return toJulianDate(h, year, month, day, hour, minute, second, jdate);
 }
 
 int32_t bw_alert_from_julian_date(bw_alert* h, double jdate, char** text) {
-  return onHandle(h, [&](bw_alert&) { return text ? giveText(FromJulianDate(jdate), text) : kNullArgument; });
+  return fromJulianDate(h, jdate, text);
 }
 
 int32_t bw_alert_get_script_help(bw_alert* h, char** text) {
@@ -161,18 +135,11 @@ int32_t bw_alert_get_script_help(bw_alert* h, char** text) {
 }
 
 int32_t bw_alert_get_jdate(bw_alert* h, int32_t index, double* jdate) {
-  return onHandle(h, [&](bw_alert& handle) {
-    if (!jdate) return kNullArgument;
-    *jdate = handle.component.GetJDate(index);
-    return kSuccess;
-  });
+  return getJDate(h, index, jdate);
 }
 
 int32_t bw_alert_edit_jdate(bw_alert* h, double old_jdate, double new_jdate, int32_t* result) {
-  return onHandle(h, [&](bw_alert& handle) {
-    if (!result) return kNullArgument;
-    return giveBool(handle.component.EditJDate(old_jdate, new_jdate), result);
-  });
+  return editJDate(h, old_jdate, new_jdate, result);
 }
 
 int32_t bw_alert_get_symbol(bw_alert* h, char** text) {

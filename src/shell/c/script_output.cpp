@@ -1,13 +1,10 @@
 #include "services/output/script_output.hpp"
 
 #include <cstddef>
-#include <new>
 
 #include "brindlewort/brindlewort.h"
-#include "series/julian_date.hpp"
-#include "series/numbers.hpp"
 #include "services/output/pointer_block.hpp"
-#include "shell/c/handle.hpp"
+#include "shell/c/component_calls.hpp"
 #include "shell/help/script_help.hpp"
 
 using namespace brindlewort;
@@ -18,11 +15,7 @@ struct bw_script_output {
 };
 
 bw_script_output* bw_script_output_create(void) {
-  try {
-    return new bw_script_output;
-  } catch (...) {
-    return nullptr;
-  }
+  return create<bw_script_output>();
 }
 
 void bw_script_output_destroy(bw_script_output* h) {
@@ -30,84 +23,48 @@ void bw_script_output_destroy(bw_script_output* h) {
 }
 
 int32_t bw_script_output_on_script_error(bw_script_output* h, bw_script_error_fn fn, void* user) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    handle.component.ScriptError = nullptr;
-    if (fn) handle.component.ScriptError = [fn, user](const std::string& text) { fn(user, text.c_str()); };
-    return kSuccess;
-  });
+  return onScriptError(h, fn, user);
 }
 
 int32_t bw_script_output_append_record(bw_script_output* h, double jdate, double open_price,
                                        double high_price, double low_price, double close_price,
                                        int32_t volume) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    handle.component.AppendRecord(jdate, open_price, high_price, low_price, close_price, volume);
-    return kSuccess;
-  });
+  return appendRecord(h, jdate, open_price, high_price, low_price, close_price, volume);
 }
 
 int32_t bw_script_output_append_records(bw_script_output* h, const double* rows, size_t count) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (count == 0) return kSuccess;
-    if (!rows) return kNullArgument;
-    handle.component.makeRoom(count);
-    for (const double* row = rows; row != rows + 6 * count; row += 6) {
-      handle.component.AppendRecord(row[0], row[1], row[2], row[3], row[4], toInt32(row[5]));
-    }
-    return kSuccess;
-  });
+  return appendRecords(h, rows, count);
 }
 
 int32_t bw_script_output_edit_record(bw_script_output* h, double jdate, double open_price, double high_price,
                                      double low_price, double close_price, int32_t volume, int32_t* result) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (!result) return kNullArgument;
-    return giveBool(
-        handle.component.EditRecord(jdate, open_price, high_price, low_price, close_price, volume), result);
-  });
+  return editRecord(h, jdate, open_price, high_price, low_price, close_price, volume, result);
 }
 
 int32_t bw_script_output_get_record_by_jdate(bw_script_output* h, double jdate, double* open_price,
                                              double* high_price, double* low_price, double* close_price,
                                              int32_t* volume, int32_t* result) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (anyNull(open_price, high_price, low_price, close_price, volume, result)) return kNullArgument;
-    return giveBar(handle.component.GetRecordByJDate(jdate), nullptr, open_price, high_price, low_price,
-                   close_price, volume, result);
-  });
+  if (anyNull(open_price, high_price, low_price, close_price, volume, result)) return kNullArgument;
+  return getRecordByJDate(h, jdate, open_price, high_price, low_price, close_price, volume, result);
 }
 
 int32_t bw_script_output_get_record_by_index(bw_script_output* h, int32_t index, double* jdate,
                                              double* open_price, double* high_price, double* low_price,
                                              double* close_price, int32_t* volume, int32_t* result) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (anyNull(jdate, open_price, high_price, low_price, close_price, volume, result)) return kNullArgument;
-    return giveBar(handle.component.GetRecordByIndex(index), jdate, open_price, high_price, low_price,
-                   close_price, volume, result);
-  });
+  if (anyNull(jdate, open_price, high_price, low_price, close_price, volume, result)) return kNullArgument;
+  return getRecordByIndex(h, index, jdate, open_price, high_price, low_price, close_price, volume, result);
 }
 
 int32_t bw_script_output_clear_records(bw_script_output* h) {
-  return onHandle(h, [](bw_script_output& handle) {
-    handle.component.ClearRecords();
-    return kSuccess;
-  });
+  return clearRecords(h);
 }
 
 int32_t bw_script_output_get_record_count(bw_script_output* h, int32_t* count) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (!count) return kNullArgument;
-    *count = handle.component.RecordCount();
-    return kSuccess;
-  });
+  return getRecordCount(h, count);
 }
 
 int32_t bw_script_output_get_jdate(bw_script_output* h, int32_t index, double* jdate) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (!jdate) return kNullArgument;
-    *jdate = handle.component.GetJDate(index);
-    return kSuccess;
-  });
+  return getJDate(h, index, jdate);
 }
 
 int32_t bw_script_output_get_record_number_by_jdate(bw_script_output* h, double jdate, int32_t* number) {
@@ -120,25 +77,17 @@ int32_t bw_script_output_get_record_number_by_jdate(bw_script_output* h, double 
 
 int32_t bw_script_output_edit_jdate(bw_script_output* h, double old_jdate, double new_jdate,
                                     int32_t* result) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (!result) return kNullArgument;
-    return giveBool(handle.component.EditJDate(old_jdate, new_jdate), result);
-  });
+  return editJDate(h, old_jdate, new_jdate, result);
 }
 
 int32_t bw_script_output_to_julian_date(bw_script_output* h, int32_t year, int32_t month, int32_t day,
                                         int32_t hour, int32_t minute, int32_t second, int32_t /*millisecond*/,
                                         double* jdate) {
-  return onHandle(h, [&](bw_script_output&) {
-    if (!jdate) return kNullArgument;
-    *jdate = ToJulianDate(year, month, day, hour, minute, second);
-    return kSuccess;
-  });
+  return toJulianDate(h, year, month, day, hour, minute, second, jdate);
 }
 
 int32_t bw_script_output_from_julian_date(bw_script_output* h, double jdate, char** text) {
-  return onHandle(
-      h, [&](bw_script_output&) { return text ? giveText(FromJulianDate(jdate), text) : kNullArgument; });
+  return fromJulianDate(h, jdate, text);
 }
 
 int32_t bw_script_output_get_script_output(bw_script_output* h, const char* script, int32_t map_count,

@@ -2,7 +2,7 @@
 
 #include "brindlewort/brindlewort.h"
 #include "functions/script_engine.hpp"
-#include "shell/c/handle.hpp"
+#include "shell/c/component_calls.hpp"
 #include "shell/help/script_help.hpp"
 
 using namespace brindlewort;
@@ -13,11 +13,7 @@ struct bw_validate {
 };
 
 bw_validate* bw_validate_create(void) {
-  try {
-    return new bw_validate;
-  } catch (...) {
-    return nullptr;
-  }
+  return create<bw_validate>();
 }
 
 void bw_validate_destroy(bw_validate* h) {
