@@ -2,7 +2,7 @@
 # Runs a Windows program under Wine, with its output and exit code:
 #
 #   run_under_wine.sh PREFIX PROGRAM ARGUMENT...
-#   run_under_wine.sh PREFIX --start             makes the prefix and starts Wine's services
+#   run_under_wine.sh PREFIX --make              makes the prefix
 #   run_under_wine.sh PREFIX --stop              ends whatever of Wine runs in the prefix
 #
 # PREFIX is the folder of Wine's registry and drives; it is made when it is not there. Of programs that need it at
@@ -11,7 +11,7 @@
 set -euo pipefail
 
 [ $# -ge 2 ] || {
-  echo "usage: run_under_wine.sh PREFIX PROGRAM ARGUMENT... | PREFIX --start | PREFIX --stop" >&2
+  echo "usage: run_under_wine.sh PREFIX PROGRAM ARGUMENT... | PREFIX --make | PREFIX --stop" >&2
   exit 2
 }
 mkdir -p "$1"
@@ -28,6 +28,8 @@ find_command() {  # find_command NAME...: Debian keeps Wine's programs out of PA
 }
 
 unset DISPLAY WAYLAND_DISPLAY LANGUAGE
+# Wine's C library takes the days of summer time from the system's zone, whatever zone a program chooses.
+export TZ=EST5EDT,M3.2.0,M11.1.0
 export WINEPREFIX=$prefix/root WINEARCH=win64 WINEDEBUG=-all LC_ALL=C.UTF-8
 # No .NET, no browser engine, and nothing written into the desktop's menus.
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
@@ -65,7 +67,7 @@ wine=$(find_command wine64 wine)
 output=$(mktemp -d "$prefix/output.XXXXXX")
 trap 'rm -rf "$output"' EXIT
 make_prefix
-[ "$1" != --start ] || exit 0
+[ "$1" != --make ] || exit 0
 
 code=0
 quietly "${SECONDS_UNDER_WINE:-300}" "$wine" "$@" || code=$?
