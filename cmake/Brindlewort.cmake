@@ -15,6 +15,19 @@ if(BRINDLEWORT_SANITIZE)
   target_link_options(brindlewort_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
+# brindlewort_precompile(<layer>): the standard headers, compiled with the first layer that asks. A build without it
+# shows whether each file includes what it uses.
+function(brindlewort_precompile target)
+  get_property(owner GLOBAL PROPERTY BRINDLEWORT_PRECOMPILED)
+  if(owner)
+    target_precompile_headers(${target} REUSE_FROM ${owner})
+  else()
+    target_precompile_headers(${target} PRIVATE <algorithm> <array> <bit> <charconv> <cmath> <cstdint> <functional>
+      <limits> <memory> <optional> <span> <string> <string_view> <unordered_map> <utility> <vector>)
+    set_property(GLOBAL PROPERTY BRINDLEWORT_PRECOMPILED ${target})
+  endif()
+endfunction()
+
 # brindlewort_layer(<folder> [<lower layer>...]): one object library per folder of src/. A layer sees only
 # the include roots of the layers it names, so an upward include is a compile error. Headers are reached
 # as "series/bar.hpp".
@@ -32,6 +45,9 @@ function(brindlewort_layer name)
   file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${name}" "${root}/${name}" SYMBOLIC)
   target_include_directories(${target} PUBLIC "${root}")
   target_link_libraries(${target} PUBLIC brindlewort_flags)
+  if(BRINDLEWORT_PRECOMPILE)
+    brindlewort_precompile(${target})
+  endif()
   foreach(lower IN LISTS ARGN)
     string(REPLACE "/" "_" lower_target "${lower}")
     target_link_libraries(${target} PUBLIC "bw_${lower_target}")

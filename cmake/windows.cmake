@@ -1,4 +1,4 @@
-# Cross-compiling for 64-bit Windows with MinGW-w64; programs run under Wine through WINE_RUNNER.
+# Cross-compiling for 64-bit Windows with MinGW-w64. Programs run under Wine, in a prefix within the build folder.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 # The posix flavour has std::thread and std::mutex.
@@ -10,3 +10,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# What is built carries the compiler's libraries within it, and so runs where only Windows is.
+set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
+set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
+set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/run_under_wine.sh;${CMAKE_BINARY_DIR}/wine")

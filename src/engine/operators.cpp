@@ -1,8 +1,8 @@
 #include "engine/operators.hpp"
 
 #include <algorithm>
-#include <cmath>
 
+#include "platform/power.hpp"
 #include "series/null_value.hpp"
 #include "series/numbers.hpp"
 
@@ -36,7 +36,7 @@ struct Divide {
   double operator()(double l, double r) const { return nz(l) / nz(r); }
 };
 struct Power {
-  double operator()(double l, double r) const { return std::pow(nz(l), nz(r)); }
+  double operator()(double l, double r) const { return platform::power(nz(l), nz(r)); }
 };
 
 // Comparisons are made on quantised values, and a null stays the large negative number that it is.

@@ -11,14 +11,16 @@ namespace brindlewort::platform {
 /// leave(), at the latest to the end of its process, however that comes about. Safe for use by several
 /// threads and across fork(): the copies of components that a child inherits count again once it makes one of
 /// its own.
+/// On Windows it is a plain number in a page that all processes with this library share: components of a
+/// process that was killed count until no process has the library loaded any more.
 class AlertCount {
  public:
   /// The count of this machine: on Windows one for all users, elsewhere one for each user. Lives on to the
   /// end of the process.
   static AlertCount& ofThisMachine();
 
-  /// A count under a name of its own, shared with the processes that use the same name. Where the system has
-  /// no shared memory of this name, it counts within the process.
+  /// A count under a name of its own, shared with the processes that use the same name. On Windows, and where
+  /// the system has no shared memory of this name, it counts within the process.
   explicit AlertCount(std::string name);
   ~AlertCount();
   AlertCount(const AlertCount&) = delete;

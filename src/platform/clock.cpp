@@ -4,6 +4,7 @@
 #include <ctime>
 
 #ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 #endif
 

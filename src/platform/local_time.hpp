@@ -16,7 +16,8 @@ namespace brindlewort::platform {
 /// clocks around `local`.
 std::int64_t momentOfLocalTime(const CivilTime& local);
 
-/// What clocks of the local time zone show at `moment`. Nothing when the system cannot tell.
+/// What clocks of the local time zone show at `moment`. Nothing when the system cannot tell; Windows cannot
+/// for moments before 1970 and after 3000.
 std::optional<CivilTime> localTimeOf(std::int64_t moment);
 
 }  // namespace brindlewort::platform

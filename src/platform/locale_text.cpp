@@ -1,54 +1,16 @@
 #include "platform/locale_text.hpp"
 
 #ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 #endif
 
 namespace brindlewort::platform {
 
-#ifdef _WIN32
-
 namespace {
 
-/// Values that the system's record cannot hold become 0xFFFF, which its formatters refuse.
-WORD systemField(std::int32_t value) {
-  return value < 0 || value > 0xFFFF ? 0xFFFF : static_cast<WORD>(value);
-}
-
-SYSTEMTIME systemTime(const CivilTime& civil) {
-  SYSTEMTIME time{};  // weekday and milliseconds stay 0
-  time.wYear = systemField(civil.year);
-  time.wMonth = systemField(civil.month);
-  time.wDay = systemField(civil.day);
-  time.wHour = systemField(civil.hour);
-  time.wMinute = systemField(civil.minute);
-  time.wSecond = systemField(civil.second);
-  return time;
-}
-
-/// End of a text of which the system counts the closing 0 too; it counts 0 for a refusal.
-char* endOfText(char* out, int countWithEnd) {
-  return out + (countWithEnd > 0 ? countWithEnd - 1 : 0);
-}
-
-}  // namespace
-
-char* writeShortDate(char* out, const CivilTime& date) {
-  const SYSTEMTIME time = systemTime(date);
-  return endOfText(out, GetDateFormatA(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, out,
-                                       static_cast<int>(kDateTimeTextRoom)));
-}
-
-char* writeTimeOfDay(char* out, const CivilTime& civil) {
-  const SYSTEMTIME time = systemTime(civil);
-  return endOfText(
-      out, GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &time, nullptr, out, static_cast<int>(kDateTimeTextRoom)));
-}
-
-#else
-
-namespace {
-
+// What no text is written for. Windows refuses it too; Wine would write the first of March for a 29 February
+// that the calendar lacks.
 constexpr std::int32_t kFirstYear = 1601;
 constexpr std::int32_t kLastYear = 30827;
 
@@ -70,6 +32,49 @@ bool isCalendarDay(const CivilTime& date) {
 bool isTimeOfDay(const CivilTime& time) {
   return isBetween(time.hour, 0, 23) && isBetween(time.minute, 0, 59) && isBetween(time.second, 0, 59);
 }
+
+}  // namespace
+
+#ifdef _WIN32
+
+namespace {
+
+/// Only the fields that the text shows have been checked; the system does not look at the others.
+SYSTEMTIME systemTime(const CivilTime& civil) {
+  SYSTEMTIME time{};  // weekday and milliseconds stay 0
+  time.wYear = static_cast<WORD>(civil.year);
+  time.wMonth = static_cast<WORD>(civil.month);
+  time.wDay = static_cast<WORD>(civil.day);
+  time.wHour = static_cast<WORD>(civil.hour);
+  time.wMinute = static_cast<WORD>(civil.minute);
+  time.wSecond = static_cast<WORD>(civil.second);
+  return time;
+}
+
+/// End of a text of which the system counts the closing 0 too; it counts 0 for one that is too long.
+char* endOfText(char* out, int countWithEnd) {
+  return out + (countWithEnd > 0 ? countWithEnd - 1 : 0);
+}
+
+}  // namespace
+
+char* writeShortDate(char* out, const CivilTime& date) {
+  if (!isCalendarDay(date)) return out;
+  const SYSTEMTIME time = systemTime(date);
+  return endOfText(out, GetDateFormatA(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, out,
+                                       static_cast<int>(kDateTimeTextRoom)));
+}
+
+char* writeTimeOfDay(char* out, const CivilTime& civil) {
+  if (!isTimeOfDay(civil)) return out;
+  const SYSTEMTIME time = systemTime(civil);
+  return endOfText(
+      out, GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &time, nullptr, out, static_cast<int>(kDateTimeTextRoom)));
+}
+
+#else
+
+namespace {
 
 char* writeTwoDigits(char* at, std::int32_t value) {
   *at++ = static_cast<char>('0' + value / 10);

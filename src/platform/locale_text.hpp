@@ -8,7 +8,8 @@
 /// that every component writes the rows that hosts parse in the same way.
 namespace brindlewort::platform {
 
-/// Characters that a caller has ready for either text; both are at most 19 long.
+/// Characters that a caller has ready for either text; both are at most 19 long. Where the user's format
+/// gives a longer one, none is written.
 inline constexpr std::size_t kDateTimeTextRoom = 20;
 
 /// Writes the short date to `out` and returns its end; elsewhere than on Windows it is YYYY-MM-DD. Returns

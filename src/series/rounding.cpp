@@ -3,6 +3,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "platform/power.hpp"
 #include "series/null_value.hpp"
 
 namespace brindlewort {
@@ -26,7 +27,7 @@ double powerOfTen(int digits) {
   static constexpr double kExact[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                       1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
   if (digits >= 0 && digits < static_cast<int>(std::size(kExact))) return kExact[digits];
-  return std::pow(10.0, digits);
+  return platform::power(10.0, digits);
 }
 
 }  // namespace

@@ -121,6 +121,22 @@ TEST(LocalTime, ATimeBeyondAllCalendarsHasNoMoment) {
   }
 }
 
+#ifdef _WIN32
+
+TEST(LocalTime, TheClocksOfWindowsGoFrom1970To3000) {
+  ScopedTimeZone zone(kSummerTimeZone);
+  EXPECT_EQ(localTimeOf(-1), std::nullopt);
+  EXPECT_EQ(localTimeOf(0), (CivilTime{1969, 12, 31, 19, 0, 0}));
+  EXPECT_EQ(momentOfLocalTime({1969, 12, 31, 19, 0, 0}), 0);
+  EXPECT_EQ(momentOfLocalTime({1969, 12, 31, 18, 59, 59}), -1);
+  EXPECT_EQ(momentOfLocalTime({1900, 1, 1, 0, 0, 0}), -1);
+  EXPECT_EQ(momentOfLocalTime({3000, 12, 31, 0, 0, 0}),
+            kStartOf2000 + (1001 * 365 + 243 - 1) * kDay + 5 * kHour);
+  EXPECT_EQ(momentOfLocalTime({3001, 2, 1, 0, 0, 0}), -1);
+}
+
+#endif
+
 TEST(LocalTime, AMomentThatNoYearHoldsHasNoLocalTime) {
   EXPECT_EQ(localTimeOf(std::numeric_limits<std::int64_t>::max()), std::nullopt);
   EXPECT_EQ(localTimeOf(std::numeric_limits<std::int64_t>::min()), std::nullopt);

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <limits>
 #include <string>
+
+#include "support/date_texts.hpp"
 
 namespace brindlewort::platform {
 namespace {
@@ -50,6 +53,33 @@ TEST(LocaleText, YearsFrom1601To30827) {
   EXPECT_EQ(shortDate(day(10000, 1, 1)), "10000-01-01");
   EXPECT_EQ(shortDate(day(30827, 12, 31)), "30827-12-31");
   EXPECT_EQ(shortDate(day(30828, 1, 1)), "");
+}
+
+#else
+
+TEST(LocaleText, IsWhatTheUserHasChosen) {
+  for (const CivilTime& time : {CivilTime{1980, 1, 1, 0, 0, 0}, CivilTime{2004, 12, 31, 23, 59, 59},
+                                CivilTime{2004, 2, 29, 9, 5, 7}, CivilTime{30827, 12, 31, 12, 0, 0}}) {
+    char iso[40];
+    std::snprintf(iso, sizeof iso, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day,
+                  time.hour, time.minute, time.second);
+    EXPECT_EQ(shortDate(time) + " " + timeOfDay(time), testing::localDates(iso));
+  }
+}
+
+TEST(LocaleText, OfTheUnitedStates) {
+  if (testing::localDates("2004-08-09 15:06:07") != "8/9/2004 3:06:07 PM") {
+    GTEST_SKIP() << "the user has chosen other formats";
+  }
+  EXPECT_EQ(shortDate(day(1980, 1, 1)), "1/1/1980");
+  EXPECT_EQ(timeOfDay(clock(0, 0, 0)), "12:00:00 AM");
+  EXPECT_EQ(shortDate(day(2004, 12, 31)), "12/31/2004");
+  EXPECT_EQ(timeOfDay(clock(23, 59, 59)), "11:59:59 PM");
+}
+
+TEST(LocaleText, ATimeNeedsNoDate) {
+  EXPECT_EQ(timeOfDay({0, 0, 0, 9, 5, 7}), timeOfDay(clock(9, 5, 7)));
+  EXPECT_EQ(shortDate({2004, 8, 19, -1, 99, 1 << 20}), shortDate(day(2004, 8, 19)));
 }
 
 #endif

@@ -14,6 +14,7 @@
 #include "functions/script_engine.hpp"
 #include "series/null_value.hpp"
 #include "services/output/script_output.hpp"
+#include "support/date_texts.hpp"
 #include "support/series_checks.hpp"
 
 namespace brindlewort::testing {
@@ -168,7 +169,7 @@ class ScriptCase : public ::testing::Test {
       EXPECT_EQ(text.has_value(), !case_.wantsNothing);
     }
     if (case_.wantsOutput && text) {
-      EXPECT_EQ(*text, case_.output);
+      EXPECT_EQ(*text, localDates(case_.output));
     }
     EXPECT_TRUE(case_.wantsOutput || case_.wantsError || case_.wantsNothing || !case_.expectations.empty())
         << "the case expects nothing";

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "series/null_value.hpp"
+#include "support/date_texts.hpp"
 #include "support/series_checks.hpp"
 #include "support/time_zone.hpp"
 
@@ -21,6 +22,7 @@ using testing::kNaN;
 using testing::kNull;
 using testing::kSummerTimeZone;
 using testing::kUniversalZone;
+using testing::localDates;
 using testing::Random;
 using testing::sameBits;
 using testing::ScopedTimeZone;
@@ -67,7 +69,7 @@ struct LiteralTime {
   }
 };
 
-/// The fixed format's text of the literal arithmetic, refused for years and days out of range.
+/// The text of the literal arithmetic, refused for years and days out of range.
 std::string literalText(double JDate) {
   const LiteralTime time(JDate);
   if (!(time.year >= 1601 && time.year <= 30827)) return "No Date Time";
@@ -79,7 +81,7 @@ std::string literalText(double JDate) {
   std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", static_cast<int>(time.year),
                 static_cast<int>(time.month), static_cast<int>(time.day), static_cast<int>(time.hour),
                 static_cast<int>(time.minute), static_cast<int>(time.second));
-  return text;
+  return localDates(text);
 }
 
 /// Julian date of midnight: 1 January 1970 is 2440587.5.
@@ -164,34 +166,32 @@ TEST(ToJulianDate, AnyIntegersGiveTheNumberOfTheSameSteps) {
 
 // --- From a Julian date ---
 
-#ifndef _WIN32  // there the user's locale decides the texts
-
 TEST(DateTimeText, ReferencePoints) {
-  EXPECT_EQ(DateTimeText(2444239.5), "1980-01-01 00:00:00");
-  EXPECT_EQ(DateTimeText(2444240.0), "1980-01-01 12:00:00");
-  EXPECT_EQ(DateTimeText(2444240.5), "1980-01-02 00:00:00");
-  EXPECT_EQ(FromJulianDate(2444239.5), "1980-01-01 00:00:00");
+  EXPECT_EQ(DateTimeText(2444239.5), localDates("1980-01-01 00:00:00"));
+  EXPECT_EQ(DateTimeText(2444240.0), localDates("1980-01-01 12:00:00"));
+  EXPECT_EQ(DateTimeText(2444240.5), localDates("1980-01-02 00:00:00"));
+  EXPECT_EQ(FromJulianDate(2444239.5), localDates("1980-01-01 00:00:00"));
 }
 
 TEST(DateTimeText, TheLimitsAreAllowed) {
-  EXPECT_EQ(DateTimeText(2415020.5), "1900-01-01 00:00:00");
-  EXPECT_EQ(DateTimeText(2488069.5), "2100-01-01 00:00:00");
+  EXPECT_EQ(DateTimeText(2415020.5), localDates("1900-01-01 00:00:00"));
+  EXPECT_EQ(DateTimeText(2488069.5), localDates("2100-01-01 00:00:00"));
   EXPECT_EQ(DateTimeText(std::nextafter(2415020.5, 0.0)), "No Date Time");
   EXPECT_EQ(DateTimeText(std::nextafter(2488069.5, kInf)), "No Date Time");
 }
 
 TEST(FromJulianDate, HasNoRangeTest) {
-  EXPECT_EQ(FromJulianDate(2415020.5 - 1.0), "1899-12-31 00:00:00");
-  EXPECT_EQ(FromJulianDate(2488069.5 + 1.0), "2100-01-02 00:00:00");
+  EXPECT_EQ(FromJulianDate(2415020.5 - 1.0), localDates("1899-12-31 00:00:00"));
+  EXPECT_EQ(FromJulianDate(2488069.5 + 1.0), localDates("2100-01-02 00:00:00"));
 }
 
 TEST(FromJulianDate, WritesTheYearsThatTheFormatterAccepts) {
   using namespace std::chrono;
   const double first = midnightOf(sys_days{year{1601} / 1 / 1});
   const double last = midnightOf(sys_days{year{30827} / 12 / 31});
-  EXPECT_EQ(FromJulianDate(first), "1601-01-01 00:00:00");
+  EXPECT_EQ(FromJulianDate(first), localDates("1601-01-01 00:00:00"));
   EXPECT_EQ(FromJulianDate(first - 0.25), "No Date Time");
-  EXPECT_EQ(FromJulianDate(last + 0.75), "30827-12-31 18:00:00");
+  EXPECT_EQ(FromJulianDate(last + 0.75), localDates("30827-12-31 18:00:00"));
   EXPECT_EQ(FromJulianDate(last + 1.0), "No Date Time");
 }
 
@@ -208,24 +208,27 @@ TEST(FromJulianDate, IsTheTextOfTheStepsInDoubles) {
 }
 
 TEST(DateTimeText, TheLastHalfSecondOfADayIsItsMidnight) {
-  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 23, 59, 59, 700)), "2004-08-19 00:00:00");
-  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 23, 59, 59, 300)), "2004-08-19 23:59:59");
+  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 23, 59, 59, 700)),
+            localDates("2004-08-19 00:00:00"));
+  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 23, 59, 59, 300)),
+            localDates("2004-08-19 23:59:59"));
 }
 
 TEST(DateTimeText, SecondsRoundAndCarry) {
-  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 10, 20, 29, 600)), "2004-08-19 10:20:30");
-  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 10, 20, 59, 700)), "2004-08-19 10:21:00");
-  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 10, 59, 59, 700)), "2004-08-19 11:00:00");
+  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 10, 20, 29, 600)),
+            localDates("2004-08-19 10:20:30"));
+  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 10, 20, 59, 700)),
+            localDates("2004-08-19 10:21:00"));
+  EXPECT_EQ(DateTimeText(ToJulianDateWithMilliseconds(2004, 8, 19, 10, 59, 59, 700)),
+            localDates("2004-08-19 11:00:00"));
 }
 
 TEST(DateTimeText, IsAppended) {
   std::string text = "on ";
   appendDateTimeText(text, 2444239.5);
   appendDateTimeText(text, 0.0);
-  EXPECT_EQ(text, "on 1980-01-01 00:00:00No Date Time");
+  EXPECT_EQ(text, localDates("on 1980-01-01 00:00:00No Date Time"));
 }
-
-#endif
 
 TEST(DateTimeText, DatesThatCannotBeWritten) {
   for (const double JDate : {0.0, -1.0, 1.0, 2415020.0, 2488070.0, 1e300, -1e300, kNull, kNaN, kInf, -kInf}) {
@@ -334,18 +337,44 @@ TEST(DatePartOf, ATimeThatTheClocksSkipIsShownAnHourLater) {
   EXPECT_EQ(DatePartOf(ToJulianDate(2021, 3, 14, 1, 30, 0), kHourPart), 1.0);
 }
 
-#ifndef _WIN32  // whose C library knows no moments before 1970
+/// The first day whose parts the system can tell.
+#ifdef _WIN32
+constexpr std::chrono::sys_days kFirstBrokenDown{std::chrono::year{1970} / 1 / 1};
+#else
+constexpr std::chrono::sys_days kFirstBrokenDown = kFirstDay;
+#endif
 
-TEST(DatePartOf, EveryDayFrom1900KeepsItsParts) {
+TEST(DatePartOf, EveryDayKeepsItsParts) {
   using namespace std::chrono;
   ScopedTimeZone zone(kSummerTimeZone);
-  for (sys_days day = kFirstDay; day < kLastDay; day += days{7}) {
+  for (sys_days day = kFirstBrokenDown; day < kLastDay; day += days{7}) {
     const year_month_day date{day};
     const double noon = midnightOf(day) + 0.5;
     ASSERT_EQ(DatePartOf(noon, kYearPart), int{date.year()});
     ASSERT_EQ(DatePartOf(noon, kMonthPart), unsigned{date.month()});
     ASSERT_EQ(DatePartOf(noon, kDayPart), unsigned{date.day()});
     ASSERT_EQ(DatePartOf(noon, kHourPart), 12.0);
+  }
+}
+
+#ifdef _WIN32
+
+TEST(DatePartOf, BeforeTheClocksOfWindowsADateHasNoParts) {
+  ScopedTimeZone zone(kSummerTimeZone);
+  for (const double date : {ToJulianDate(1900, 6, 1, 10, 20, 30), ToJulianDate(1969, 12, 31, 18, 0, 0)}) {
+    for (const DatePartId part : {kDayPart, kMonthPart, kYearPart}) EXPECT_EQ(DatePartOf(date, part), 0.0);
+    for (const DatePartId part : {kSecondPart, kMinutePart, kHourPart})
+      EXPECT_EQ(DatePartOf(date, part), -1.0);
+  }
+  EXPECT_EQ(DatePartOf(ToJulianDate(1969, 12, 31, 19, 0, 0), kYearPart), 1969.0);  // 1970, universal time
+}
+
+TEST(DateDifference, BeforeTheClocksOfWindowsADateIsTheSecondBefore1970) {
+  ScopedTimeZone zone(kUniversalZone);
+  const double date = ToJulianDate(1970, 1, 2, 0, 0, 0);
+  for (const double before : {ToJulianDate(1900, 6, 1, 0, 0, 0), ToJulianDate(1969, 12, 31, 23, 0, 0)}) {
+    EXPECT_EQ(DateDifference(date, before, 1), 86'401.0);
+    EXPECT_EQ(DateDifference(before, before, 1), 0.0);
   }
 }
 

@@ -159,7 +159,8 @@ TEST(FormatFixed, ATieAtTheTwentiethDecimalGoesToTheEvenDigit) {
 }
 
 TEST(FormatFixed, EveryExponentAtEveryPrecisionInUse) {
-  // Against the C library's text: each power of two, and each with the least, an odd and the greatest mantissa.
+  // Against the C library's text: each power of two, and each with the least, an odd and the greatest
+  // mantissa.
   char text[400];
   for (int exponent = -1074; exponent <= 1023; ++exponent) {
     for (double mantissa : {1.0, 1.0 + 0x1p-52, 1.6, 0x1.fffffffffffffp0}) {
@@ -379,7 +380,11 @@ TEST(ParseDouble, AgreesWithTheCLibraryOnDecimalTexts) {
       text += alphabet[static_cast<std::size_t>(random.below(static_cast<int>(alphabet.size())))];
     }
     if (text.find('x') != std::string::npos && text.find("0x") != std::string::npos) continue;
-    ASSERT_TRUE(sameBits(parseDouble(text), std::strtod(text.c_str(), nullptr))) << "'" << text << "'";
+    char* end = nullptr;
+    const double read = std::strtod(text.c_str(), &end);
+    // Where there is no number, some libraries give the sign that they met.
+    const double expected = end == text.c_str() ? 0.0 : read;
+    ASSERT_TRUE(sameBits(parseDouble(text), expected)) << "'" << text << "'";
   }
   for (int i = 0; i < 100'000; ++i) {
     const double x = std::bit_cast<double>(random.next());

@@ -7,6 +7,7 @@
 #include <limits>
 #include <string>
 
+#include "platform/power.hpp"
 #include "support/series_checks.hpp"
 
 namespace brindlewort {
@@ -28,8 +29,8 @@ struct Literal {
     double s = -1.0;
     if (value > 0.0) s = 1.0;
     value += s * 1e-10;
-    double t = std::trunc(value * std::pow(10, digits));
-    t = t / std::pow(10, digits);
+    double t = std::trunc(value * platform::power(10, digits));
+    t = t / platform::power(10, digits);
     if (t == 0.0) return 0.0;
     return t + s * 1e-10;
   }
@@ -40,14 +41,14 @@ struct Literal {
     if (v == 0.0) return 0.0;
     const double s = v < 0.0 ? -1.0 : 1.0;
     const double a = std::fabs(v) + 1e-10;
-    const double scaled = a * std::pow(10, digits);
+    const double scaled = a * platform::power(10, digits);
     const double f = scaled - std::trunc(scaled);
     double bump = 1.0;
     if (std::trunc(f * 10000) == 0.0) bump = 0.0;
     if ((f >= 0.5 && mode != 2) || mode == 1) {
-      return (std::trunc(bump + scaled) / std::pow(10, digits) + 1e-10) * s;
+      return (std::trunc(bump + scaled) / platform::power(10, digits) + 1e-10) * s;
     }
-    return (std::trunc(scaled) / std::pow(10, digits) + 1e-10) * s;
+    return (std::trunc(scaled) / platform::power(10, digits) + 1e-10) * s;
   }
 
   static double toMultiple(double value, double multiple, int mode) {
@@ -178,7 +179,8 @@ TEST(RoundToMultiple, AMultipleOfZeroIsDefined) {
 TEST(Rounding, PowersOfTenThatADoubleHoldsAreExact) {
   // These are looked up instead of computed.
   for (int digits = 0; digits <= 22; ++digits) {
-    EXPECT_EQ(std::pow(10, digits), std::strtod(("1e" + std::to_string(digits)).c_str(), nullptr)) << digits;
+    EXPECT_EQ(platform::power(10, digits), std::strtod(("1e" + std::to_string(digits)).c_str(), nullptr))
+        << digits;
   }
 }
 

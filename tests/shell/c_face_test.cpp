@@ -8,8 +8,11 @@
 #include <vector>
 
 #include "brindlewort/brindlewort.h"
+#include "support/date_texts.hpp"
 
 namespace {
+
+using brindlewort::testing::localDates;
 
 struct Destroy {
   void operator()(bw_script_output* h) const { bw_script_output_destroy(h); }
@@ -127,7 +130,7 @@ TEST(CFace, EditJDateChangesTheDateAlone) {
   EXPECT_EQ(found, 0);
   char* text = nullptr;
   bw_script_output_get_script_output(h.get(), "CLOSE", 0, "", &text);
-  EXPECT_EQ(taken(text).substr(0, 27), "Date\r\n1980-01-01 00:00:00\r\n");
+  EXPECT_TRUE(taken(text).starts_with(localDates("Date\r\n1980-01-01 00:00:00\r\n")));
 }
 
 TEST(CFace, RecordQueriesDoNotSeeTheBarsOfAppendRecord) {
@@ -196,7 +199,7 @@ TEST(CFace, JulianDates) {
   EXPECT_EQ(jdate, 2444239.5);
   char* text = nullptr;
   EXPECT_EQ(bw_script_output_from_julian_date(h.get(), 2444239.5, &text), 0);
-  EXPECT_EQ(taken(text), "1980-01-01 00:00:00");
+  EXPECT_EQ(taken(text), localDates("1980-01-01 00:00:00"));
   EXPECT_EQ(bw_script_output_from_julian_date(h.get(), 0.0, &text), 0);
   EXPECT_EQ(taken(text), "No Date Time");
 }

@@ -9,11 +9,14 @@
 #include <utility>
 #include <vector>
 
+#include "support/date_texts.hpp"
+
 namespace {
 
 using brindlewort::Bar;
 using brindlewort::CScriptOutput;
 using brindlewort::NULL_VALUE;
+using brindlewort::testing::localDates;
 
 constexpr double kNewYear2024 = 2460310.5;
 
@@ -38,7 +41,7 @@ CScriptOutput outputWithBars() {
 const char kMeanOfThree[] = "SET A = SMA(CLOSE, 3)\r\nCLOSE > A";
 
 /// The mean of three starts at the fourth bar: (20 + 30 + 40) / 3.
-const char kMeanOfThreeText[] =
+const std::string kMeanOfThreeText = localDates(
     "Date,\"A\"\r\n"
     "2024-01-01 00:00:00,-987654321\r\n"
     "2024-01-02 00:00:00,-987654321\r\n"
@@ -51,7 +54,7 @@ const char kMeanOfThreeText[] =
     "2024-01-09 00:00:00,80.0000\r\n"
     "2024-01-10 00:00:00,90.0000\r\n"
     "2024-01-11 00:00:00,100.0000\r\n"
-    "2024-01-12 00:00:00,110.0000\r\n";
+    "2024-01-12 00:00:00,110.0000\r\n");
 
 TEST(CppFace, GivesTheSeriesOfAScriptAsText) {
   CScriptOutput output;
@@ -69,7 +72,7 @@ TEST(CppFace, ManyBarsInOneCallAreTheSameAsOneByOne) {
   const char script[] = "SET A = OPEN + HIGH + LOW + CLOSE + VOLUME\r\nA > 0";
   const auto text = atOnce.GetScriptOutput(script, 12, "A");
   // 119 + 122 + 118 + 120 + 1200
-  EXPECT_EQ(text, "Date,\"A\"\r\n2024-01-12 00:00:00,1679.0000\r\n");
+  EXPECT_EQ(text, localDates("Date,\"A\"\r\n2024-01-12 00:00:00,1679.0000\r\n"));
   EXPECT_EQ(oneByOne.GetScriptOutput(script, 12, "A"), text);
   atOnce.AppendRecords({});
   EXPECT_EQ(atOnce.GetScriptOutput(script, 12, "A"), text);
@@ -86,10 +89,10 @@ TEST(CppFace, EditsChangeTheFirstBarOfADate) {
   last.ClosePrice = 999;
   EXPECT_TRUE(output.EditRecord(last));
   EXPECT_EQ(output.GetScriptOutput("SET A = CLOSE\r\nA > 0", 12, "A"),
-            "Date,\"A\"\r\n2024-01-12 00:00:00,999.0000\r\n");
+            localDates("Date,\"A\"\r\n2024-01-12 00:00:00,999.0000\r\n"));
   EXPECT_TRUE(output.EditJDate(last.JDate, last.JDate + 1));
   EXPECT_EQ(output.GetScriptOutput("SET A = CLOSE\r\nA > 0", 12, "A"),
-            "Date,\"A\"\r\n2024-01-13 00:00:00,999.0000\r\n");
+            localDates("Date,\"A\"\r\n2024-01-13 00:00:00,999.0000\r\n"));
   EXPECT_FALSE(output.EditRecord(last));
   EXPECT_FALSE(output.EditJDate(last.JDate, 1.0));
 }
@@ -175,7 +178,7 @@ TEST(CppFace, DatesThereAndBack) {
   EXPECT_EQ(output.ToJulianDate(1980, 1, 1), 2444239.5);
   EXPECT_EQ(output.ToJulianDate(2024, 1, 1, 6), kNewYear2024 + 0.25);
   EXPECT_EQ(output.ToJulianDate(2024, 1, 1, 6, 0, 0, 999), kNewYear2024 + 0.25);
-  EXPECT_EQ(output.FromJulianDate(2444239.5), "1980-01-01 00:00:00");
+  EXPECT_EQ(output.FromJulianDate(2444239.5), localDates("1980-01-01 00:00:00"));
   EXPECT_EQ(output.FromJulianDate(0.0), "No Date Time");
 }
 

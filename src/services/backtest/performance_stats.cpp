@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "platform/power.hpp"
+
 namespace brindlewort::PerformanceStats {
 
 namespace {
@@ -19,7 +21,7 @@ constexpr int kShuffles = 100;
 /// exponent is volatile so that no compiler makes one of the other.
 double squareRoot(double x) {
   static const volatile double kHalf = 0.5;
-  return std::pow(x, kHalf);
+  return platform::power(x, kHalf);
 }
 
 /// By squaring, from the lowest bit of the exponent on.
@@ -107,7 +109,7 @@ double VAMI(View values) {
 
 double CompoundRate(View values) {
   if (values.empty()) return 0.0;
-  return std::pow(VAMI(values) / 1000.0, 1.0 / count(values)) - 1.0;
+  return platform::power(VAMI(values) / 1000.0, 1.0 / count(values)) - 1.0;
 }
 
 double TotalCompound(View values) {

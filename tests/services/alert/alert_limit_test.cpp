@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include "support/windows/child_program.hpp"
+#else
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -161,6 +163,33 @@ TEST(AlertLimitAcrossProcesses, AlertsOfAnotherProcessCountUntilItIsKilled) {
   EXPECT_EQ(within.take(), Events{fired("5.5 5")});
   EXPECT_EQ(count.live(1000), 1);
   shm_unlink(name.c_str());
+}
+
+#else
+
+/// The other process of the test below.
+TEST(DISABLED_AlertLimitAcrossProcesses, HoldsAThousandAlerts) {
+  std::vector<std::unique_ptr<CAlert>> alerts;
+  for (int i = 0; i < 1000; ++i) alerts.push_back(std::make_unique<CAlert>());
+  testing::ChildProgram::waitForTheEnd();
+}
+
+TEST(AlertLimitAcrossProcesses, AlertsOfAnotherProcessCountUntilItEnds) {
+  platform::AlertCount& count = platform::AlertCount::ofThisMachine();
+  ASSERT_EQ(count.live(1000), 0);
+  testing::ChildProgram child("DISABLED_AlertLimitAcrossProcesses.HoldsAThousandAlerts");
+  ASSERT_TRUE(child.isReady());
+  {
+    Watcher beyond(count);
+    beyond.alert.setAlertScript("CLOSE > 0");
+    EXPECT_EQ(beyond.take(), Events{kTooMany});
+  }
+  EXPECT_TRUE(child.end());
+  Watcher within(count);
+  within.alert.setAlertScript("CLOSE > 0");
+  within.appendAll({1, 2, 3, 4, 5});
+  EXPECT_EQ(within.take(), Events{fired("5.5 5")});
+  EXPECT_EQ(count.live(1000), 1);
 }
 
 #endif

@@ -8,6 +8,7 @@
 #include "functions/script_engine.hpp"
 #include "services/backtest/backtest_support.hpp"
 #include "services/backtest/report.hpp"
+#include "support/date_texts.hpp"
 
 namespace brindlewort {
 namespace {
@@ -46,11 +47,10 @@ using Scripts = std::vector<std::string>;
 
 TEST(BacktestRun, EachScriptSignalsItsPart) {
   const BacktestRun run = runLists({"3,9,", "6,", "5,", "8,", 0.0, ""});
-  EXPECT_EQ(logOf(run),
-            "2000-01-03 00:00:00,LONG,103.0000,3\r\n"
-            "2000-01-05 00:00:00,EXIT LONG,105.0000,5\r\n"
-            "2000-01-06 00:00:00,SHORT,106.0000,6\r\n"
-            "2000-01-08 00:00:00,EXIT SHORT,108.0000,8\r\n");
+  EXPECT_EQ(logOf(run), localDates("2000-01-03 00:00:00,LONG,103.0000,3\r\n"
+                                   "2000-01-05 00:00:00,EXIT LONG,105.0000,5\r\n"
+                                   "2000-01-06 00:00:00,SHORT,106.0000,6\r\n"
+                                   "2000-01-08 00:00:00,EXIT SHORT,108.0000,8\r\n"));
   EXPECT_EQ(ranScripts, (Scripts{"3,9,", "6,", "5,", "8,"}));
   EXPECT_EQ(run.buys, 2u);
   EXPECT_EQ(run.sells, 1u);
@@ -67,9 +67,8 @@ TEST(BacktestRun, EachScriptSignalsItsPart) {
 TEST(BacktestRun, TheFirstBarAndBarsOutsideTheDataNeverSignal) {
   const BacktestRun run = runLists({"1,2,20,21,0,-3,99999999999,x,,", "", "5,", "", 0.0, ""});
   EXPECT_EQ(run.buys, 2u);  // 2 and 20
-  EXPECT_EQ(logOf(run),
-            "2000-01-02 00:00:00,LONG,102.0000,2\r\n"
-            "2000-01-05 00:00:00,EXIT LONG,105.0000,5\r\n");
+  EXPECT_EQ(logOf(run), localDates("2000-01-02 00:00:00,LONG,102.0000,2\r\n"
+                                   "2000-01-05 00:00:00,EXIT LONG,105.0000,5\r\n"));
 }
 
 TEST(BacktestRun, TheMarkOfAListIsDropped) {
@@ -87,15 +86,14 @@ TEST(BacktestRun, AnExitScriptEqualToTheOtherEntryIsNotRun) {
   EXPECT_EQ(ranScripts, (Scripts{"3,7,11,", "5,9,"}));
   // One position at a time, changing sides: 5 closes the long of 3 and opens a short, and so on. The long of
   // 11 has no exit.
-  EXPECT_EQ(logOf(run),
-            "2000-01-03 00:00:00,LONG,103.0000,3\r\n"
-            "2000-01-05 00:00:00,EXIT LONG,105.0000,5\r\n"
-            "2000-01-05 00:00:00,SHORT,105.0000,5\r\n"
-            "2000-01-07 00:00:00,EXIT SHORT,107.0000,7\r\n"
-            "2000-01-07 00:00:00,LONG,107.0000,7\r\n"
-            "2000-01-09 00:00:00,EXIT LONG,109.0000,9\r\n"
-            "2000-01-09 00:00:00,SHORT,109.0000,9\r\n"
-            "2000-01-11 00:00:00,EXIT SHORT,111.0000,11\r\n");
+  EXPECT_EQ(logOf(run), localDates("2000-01-03 00:00:00,LONG,103.0000,3\r\n"
+                                   "2000-01-05 00:00:00,EXIT LONG,105.0000,5\r\n"
+                                   "2000-01-05 00:00:00,SHORT,105.0000,5\r\n"
+                                   "2000-01-07 00:00:00,EXIT SHORT,107.0000,7\r\n"
+                                   "2000-01-07 00:00:00,LONG,107.0000,7\r\n"
+                                   "2000-01-09 00:00:00,EXIT LONG,109.0000,9\r\n"
+                                   "2000-01-09 00:00:00,SHORT,109.0000,9\r\n"
+                                   "2000-01-11 00:00:00,EXIT SHORT,111.0000,11\r\n"));
   EXPECT_EQ(run.longExits, 2u);
   EXPECT_EQ(run.shortExits, 3u);
 }
@@ -155,9 +153,8 @@ TEST(BacktestRun, WithoutTradesTheCountsTellWhichScriptFired) {
 TEST(BacktestRun, RulesAndSlippageReachTheTrades) {
   const BacktestRun run = runLists({"3,", "", "", "", 10.0, "stop=0;trail=0;target=2;bars=0;"});
   // Target 103 x 1.02 = 105.06, reached by the bar at 106; 103 + 10.3 and 105.06 - 10.506.
-  EXPECT_EQ(logOf(run),
-            "2000-01-03 00:00:00,LONG,113.3000,3\r\n"
-            "2000-01-06 00:00:00,PROFIT,94.5540,6\r\n");
+  EXPECT_EQ(logOf(run), localDates("2000-01-03 00:00:00,LONG,113.3000,3\r\n"
+                                   "2000-01-06 00:00:00,PROFIT,94.5540,6\r\n"));
 }
 
 // ---- The component.
@@ -183,33 +180,33 @@ TEST(Backtest, TheWholeReport) {
   Host host(12);
   // One long from 107 to 109: a return of 0.0186915888 in one month.
   EXPECT_EQ(host.report("CLOSE = 107", "", "CLOSE = 109"),
-            "Back tested from 2000-01-01 00:00:00 to 2000-01-12 00:00:00\r\n"
-            "Total number of trades: 2\r\n"
-            "Average number of trades per month: 1\r\n"
-            "Number of profitable trades: 1\r\n"
-            "Number of losing trades: 0\r\n"
-            "Total profit: 2.0000\r\n"
-            "Total loss: 0.0000\r\n"
-            "Percent profit: 100.000%\r\n"
-            "Largest profit: 2.0000\r\n"
-            "Largest loss: 0.0000\r\n"
-            "Maximum Drawdown: 0.0000\r\n"
-            "Maximum Drawdown (Monte Carlo): 0.0000\r\n"
-            "Compound Monthly ROR: 0.0187\r\n"
-            "Standard deviation: 0.00000000\r\n"
-            "Annualized standard deviation: 0.00000000\r\n"
-            "Downside deviation (MAR = 10%): 0.00000000\r\n"
-            "Value Added Monthly Index (VAMI): 1018.69158879\r\n"
-            "Sharpe ratio (RFR = 5%): 0.00000000\r\n"
-            "Annualized Sharpe ratio (RFR = 5%): 0.00000000\r\n"
-            "Sortino ratio (MAR = 5%): -1.00000000\r\n"
-            "Annualized Sortino ratio (MAR = 5%): -1.00000000\r\n"
-            "Sterling ratio (MAR = 5%): -1.00000000\r\n"
-            "Calmar ratio: 0.00000000\r\n"
-            "Risk to reward ratio: 0.000\r\n"
-            "Trade Log:\n"
-            "2000-01-07 00:00:00,LONG,107.0000,7\r\n"
-            "2000-01-09 00:00:00,EXIT LONG,109.0000,9\r\n");
+            localDates("Back tested from 2000-01-01 00:00:00 to 2000-01-12 00:00:00\r\n"
+                       "Total number of trades: 2\r\n"
+                       "Average number of trades per month: 1\r\n"
+                       "Number of profitable trades: 1\r\n"
+                       "Number of losing trades: 0\r\n"
+                       "Total profit: 2.0000\r\n"
+                       "Total loss: 0.0000\r\n"
+                       "Percent profit: 100.000%\r\n"
+                       "Largest profit: 2.0000\r\n"
+                       "Largest loss: 0.0000\r\n"
+                       "Maximum Drawdown: 0.0000\r\n"
+                       "Maximum Drawdown (Monte Carlo): 0.0000\r\n"
+                       "Compound Monthly ROR: 0.0187\r\n"
+                       "Standard deviation: 0.00000000\r\n"
+                       "Annualized standard deviation: 0.00000000\r\n"
+                       "Downside deviation (MAR = 10%): 0.00000000\r\n"
+                       "Value Added Monthly Index (VAMI): 1018.69158879\r\n"
+                       "Sharpe ratio (RFR = 5%): 0.00000000\r\n"
+                       "Annualized Sharpe ratio (RFR = 5%): 0.00000000\r\n"
+                       "Sortino ratio (MAR = 5%): -1.00000000\r\n"
+                       "Annualized Sortino ratio (MAR = 5%): -1.00000000\r\n"
+                       "Sterling ratio (MAR = 5%): -1.00000000\r\n"
+                       "Calmar ratio: 0.00000000\r\n"
+                       "Risk to reward ratio: 0.000\r\n"
+                       "Trade Log:\n"
+                       "2000-01-07 00:00:00,LONG,107.0000,7\r\n"
+                       "2000-01-09 00:00:00,EXIT LONG,109.0000,9\r\n"));
   EXPECT_TRUE(host.errors.empty());
 }
 
@@ -232,11 +229,11 @@ TEST(Backtest, BothSidesWithFullNamesOfFunctions) {
   const std::string report = host.report("CLOSE = 110 AND SIMPLEMOVINGAVERAGE(CLOSE, 4) > 0", "CLOSE = 115",
                                          "CLOSE = 112", "CLOSE = 117", 1.0);
   EXPECT_EQ(report.substr(report.find("Trade Log:")),
-            "Trade Log:\n"
-            "2000-01-10 00:00:00,LONG,111.1000,10\r\n"
-            "2000-01-12 00:00:00,EXIT LONG,110.8800,12\r\n"
-            "2000-01-15 00:00:00,SHORT,113.8500,15\r\n"
-            "2000-01-17 00:00:00,EXIT SHORT,118.1700,17\r\n");
+            localDates("Trade Log:\n"
+                       "2000-01-10 00:00:00,LONG,111.1000,10\r\n"
+                       "2000-01-12 00:00:00,EXIT LONG,110.8800,12\r\n"
+                       "2000-01-15 00:00:00,SHORT,113.8500,15\r\n"
+                       "2000-01-17 00:00:00,EXIT SHORT,118.1700,17\r\n"));
 }
 
 TEST(Backtest, AnErrorIsAnEventAndNoText) {

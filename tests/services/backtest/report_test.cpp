@@ -6,6 +6,7 @@
 
 #include "services/backtest/backtest_support.hpp"
 #include "services/backtest/statistics.hpp"
+#include "support/date_texts.hpp"
 #include "support/series_checks.hpp"
 
 namespace brindlewort {
@@ -42,36 +43,37 @@ TEST(Report, TheWholeText) {
   records[1].Signal = kTradeStopLoss;
   const std::optional<Statistics> statistics = computeStatistics(records, 0.0, 1);
   ASSERT_TRUE(statistics.has_value());
-  EXPECT_EQ(reportText(*statistics, records, dayDate(1), dayDate(60) + 0.75, 2),
-            "Back tested from 2000-01-01 00:00:00 to 2000-02-29 18:00:00\r\n"
-            "Total number of trades: 4\r\n"              // records
-            "Average number of trades per month: 2\r\n"  // 2 / 1
-            "Number of profitable trades: 1\r\n"
-            "Number of losing trades: 1\r\n"
-            "Total profit: 4.0000\r\n"
-            "Total loss: -5.5000\r\n"
-            "Percent profit: -37.500%\r\n"  // (1 - 5.5 / 4) x 100
-            "Largest profit: 4.0000\r\n"
-            "Largest loss: -5.5000\r\n"
-            "Maximum Drawdown: -5.5000\r\n"                // -5.5, -1.5
-            "Maximum Drawdown (Monte Carlo): -5.5000\r\n"  // the first shuffle, draw 41, changes nothing
-            "Compound Monthly ROR: -0.0100\r\n"
-            "Standard deviation: 4.75000000\r\n"              // mean -0.75, both 4.75 away
-            "Annualized standard deviation: 6.71751442\r\n"   // 4.75 x 1.414213562
-            "Downside deviation (MAR = 10%): 3.95979797\r\n"  // root of 5.6 x 5.6 / 2 = 15.68
-            "Value Added Monthly Index (VAMI): 990.00000000\r\n"
-            "Sharpe ratio (RFR = 5%): -0.16842105\r\n"             // -0.8 / 4.75
-            "Annualized Sharpe ratio (RFR = 5%): -0.23818334\r\n"  // x 1.414213562
-            "Sortino ratio (MAR = 5%): -1.00000000\r\n"            // (-0.01 - 0.05) / 0.06
-            "Annualized Sortino ratio (MAR = 5%): -1.00000000\r\n"
-            "Sterling ratio (MAR = 5%): -1.00000000\r\n"
-            "Calmar ratio: -1.00000000\r\n"  // -0.01 / 0.01
-            "Risk to reward ratio: 1.375\r\n"
-            "Trade Log:\n"
-            "2000-01-03 00:00:00,SHORT,110.0000,1\r\n"
-            "2000-01-05 00:00:00,STOP LOSS,115.5000,3\r\n"
-            "2000-01-07 00:00:00,LONG,100.0000,5\r\n"
-            "2000-01-10 00:00:00,EXIT LONG,104.0000,8\r\n");
+  EXPECT_EQ(
+      reportText(*statistics, records, dayDate(1), dayDate(60) + 0.75, 2),
+      localDates("Back tested from 2000-01-01 00:00:00 to 2000-02-29 18:00:00\r\n"
+                 "Total number of trades: 4\r\n"              // records
+                 "Average number of trades per month: 2\r\n"  // 2 / 1
+                 "Number of profitable trades: 1\r\n"
+                 "Number of losing trades: 1\r\n"
+                 "Total profit: 4.0000\r\n"
+                 "Total loss: -5.5000\r\n"
+                 "Percent profit: -37.500%\r\n"  // (1 - 5.5 / 4) x 100
+                 "Largest profit: 4.0000\r\n"
+                 "Largest loss: -5.5000\r\n"
+                 "Maximum Drawdown: -5.5000\r\n"                // -5.5, -1.5
+                 "Maximum Drawdown (Monte Carlo): -5.5000\r\n"  // the first shuffle, draw 41, changes nothing
+                 "Compound Monthly ROR: -0.0100\r\n"
+                 "Standard deviation: 4.75000000\r\n"              // mean -0.75, both 4.75 away
+                 "Annualized standard deviation: 6.71751442\r\n"   // 4.75 x 1.414213562
+                 "Downside deviation (MAR = 10%): 3.95979797\r\n"  // root of 5.6 x 5.6 / 2 = 15.68
+                 "Value Added Monthly Index (VAMI): 990.00000000\r\n"
+                 "Sharpe ratio (RFR = 5%): -0.16842105\r\n"             // -0.8 / 4.75
+                 "Annualized Sharpe ratio (RFR = 5%): -0.23818334\r\n"  // x 1.414213562
+                 "Sortino ratio (MAR = 5%): -1.00000000\r\n"            // (-0.01 - 0.05) / 0.06
+                 "Annualized Sortino ratio (MAR = 5%): -1.00000000\r\n"
+                 "Sterling ratio (MAR = 5%): -1.00000000\r\n"
+                 "Calmar ratio: -1.00000000\r\n"  // -0.01 / 0.01
+                 "Risk to reward ratio: 1.375\r\n"
+                 "Trade Log:\n"
+                 "2000-01-03 00:00:00,SHORT,110.0000,1\r\n"
+                 "2000-01-05 00:00:00,STOP LOSS,115.5000,3\r\n"
+                 "2000-01-07 00:00:00,LONG,100.0000,5\r\n"
+                 "2000-01-10 00:00:00,EXIT LONG,104.0000,8\r\n"));
 }
 
 TEST(Report, OneClosedTrade) {
@@ -147,14 +149,14 @@ TEST(Report, PricesThatAreNoNumbersPrintAsZero) {
   EXPECT_EQ(lineOf(report, "Total loss: "), "0");
   EXPECT_EQ(lineOf(report, "Number of losing trades: "), "1");
   EXPECT_EQ(report.substr(report.find("Trade Log:")),
-            "Trade Log:\n2000-01-03 00:00:00,LONG,0,3\r\n2000-01-05 00:00:00,EXIT LONG,0,5\r\n");
+            localDates("Trade Log:\n2000-01-03 00:00:00,LONG,0,3\r\n2000-01-05 00:00:00,EXIT LONG,0,5\r\n"));
 }
 
 TEST(Report, DatesThatCannotBeWritten) {
   Records records = {record(kTradeLong, 3, 1.0), record(kTradeExitLong, 5, 2.0)};
   records[0].JDate = 0.0;
   const std::string log = tradeLog(records, 2);
-  EXPECT_EQ(log, "No Date Time,LONG,1.0000,1\r\n2000-01-05 00:00:00,EXIT LONG,2.0000,3\r\n");
+  EXPECT_EQ(log, localDates("No Date Time,LONG,1.0000,1\r\n2000-01-05 00:00:00,EXIT LONG,2.0000,3\r\n"));
 }
 
 TEST(TradeLog, EverySignalHasItsLabel) {
@@ -166,11 +168,11 @@ TEST(TradeLog, EverySignalHasItsLabel) {
   for (int code = 1; code <= 10; ++code) {
     const SignalRecord line{4, kTradeLong, code, dayDate(1), 1.0};
     EXPECT_EQ(tradeLog({&line, 1}, 0),
-              "2000-01-01 00:00:00," + expected[static_cast<std::size_t>(code) - 1] + ",4\r\n");
+              localDates("2000-01-01 00:00:00,") + expected[static_cast<std::size_t>(code) - 1] + ",4\r\n");
   }
   for (int code : {0, -1, 11, INT32_MAX, INT32_MIN}) {
     const SignalRecord line{4, kTradeLong, code, dayDate(1), 1.0};
-    EXPECT_EQ(tradeLog({&line, 1}, 0), "2000-01-01 00:00:00,,4\r\n");
+    EXPECT_EQ(tradeLog({&line, 1}, 0), localDates("2000-01-01 00:00:00,,4\r\n"));
   }
 }
 

@@ -9,6 +9,7 @@
 #include "services/backtest/backtest_support.hpp"
 #include "services/backtest/plain_exit.hpp"
 #include "services/backtest/report.hpp"
+#include "support/date_texts.hpp"
 #include "support/series_checks.hpp"
 
 namespace brindlewort {
@@ -142,11 +143,10 @@ TEST(PairSignals, AListWorkedByHand) {
                                          {kTradeExitShort, 12}});
   // 3: opens long; the first exit of longs behind it is on 8. 5 is passed. On 8 the exit stands before the
   // entry, which no exit follows: forgotten. 10: short until 12. 15: forgotten.
-  EXPECT_EQ(tradeLog(trades, 0),
-            "2000-01-03 00:00:00,LONG,103.0000,3\r\n"
-            "2000-01-08 00:00:00,EXIT LONG,108.0000,8\r\n"
-            "2000-01-10 00:00:00,SHORT,110.0000,10\r\n"
-            "2000-01-12 00:00:00,EXIT SHORT,112.0000,12\r\n");
+  EXPECT_EQ(tradeLog(trades, 0), localDates("2000-01-03 00:00:00,LONG,103.0000,3\r\n"
+                                            "2000-01-08 00:00:00,EXIT LONG,108.0000,8\r\n"
+                                            "2000-01-10 00:00:00,SHORT,110.0000,10\r\n"
+                                            "2000-01-12 00:00:00,EXIT SHORT,112.0000,12\r\n"));
   EXPECT_EQ(sketch(trades), "1@3 4@8 2@10 5@12");
 }
 
@@ -235,11 +235,10 @@ TEST(PairSignals, ALongAfterItsStopMayOpenOnTheExitsBar) {
   bars[5].LowPrice = 90.0;  // bar 6 stops the long of bar 3 at 103 x 0.98
   const Signals trades =
       simulate(bars, {{kTradeLong, 3}, {kTradeLong, 6}, {kTradeExitLong, 10}}, "a=2;b=0;c=0;d=0;");
-  EXPECT_EQ(tradeLog(trades, 0),
-            "2000-01-03 00:00:00,LONG,103.0000,3\r\n"
-            "2000-01-06 00:00:00,STOP LOSS,100.9400,6\r\n"
-            "2000-01-06 00:00:00,LONG,106.0000,6\r\n"
-            "2000-01-10 00:00:00,EXIT LONG,110.0000,10\r\n");
+  EXPECT_EQ(tradeLog(trades, 0), localDates("2000-01-03 00:00:00,LONG,103.0000,3\r\n"
+                                            "2000-01-06 00:00:00,STOP LOSS,100.9400,6\r\n"
+                                            "2000-01-06 00:00:00,LONG,106.0000,6\r\n"
+                                            "2000-01-10 00:00:00,EXIT LONG,110.0000,10\r\n"));
 }
 
 // ---- All rules over both sides, with the log.
@@ -278,21 +277,20 @@ TEST(SimulateTrades, EachRuleInOneLog) {
                                    {kTradeShort, 14},
                                    {kTradeExitShort, 15}},
                                   "StopLoss=2;Trailing=1;Target=5;Bars=3;");
-  EXPECT_EQ(tradeLog(trades, 0),
-            "2000-01-02 00:00:00,LONG,100.0000,2\r\n"
-            "2000-01-04 00:00:00,TRAILING STOP LOSS,100.0000,4\r\n"
-            "2000-01-04 00:00:00,SHORT,100.0000,4\r\n"
-            "2000-01-06 00:00:00,PROFIT,95.0000,6\r\n"
-            "2000-01-06 00:00:00,LONG,96.0000,6\r\n"
-            "2000-01-07 00:00:00,STOP LOSS,94.0800,7\r\n"
-            "2000-01-07 00:00:00,SHORT,94.5000,7\r\n"
-            "2000-01-11 00:00:00,NO ACTIVITY,94.4000,11\r\n"
-            "2000-01-12 00:00:00,SHORT,94.0000,12\r\n"
-            "2000-01-13 00:00:00,STOP LOSS,95.8800,13\r\n"
-            "2000-01-14 00:00:00,SHORT,94.0000,14\r\n"
-            "2000-01-15 00:00:00,EXIT SHORT,95.0000,15\r\n"
-            "2000-01-16 00:00:00,LONG,95.0000,16\r\n"
-            "2000-01-17 00:00:00,PROFIT,99.7500,17\r\n");
+  EXPECT_EQ(tradeLog(trades, 0), localDates("2000-01-02 00:00:00,LONG,100.0000,2\r\n"
+                                            "2000-01-04 00:00:00,TRAILING STOP LOSS,100.0000,4\r\n"
+                                            "2000-01-04 00:00:00,SHORT,100.0000,4\r\n"
+                                            "2000-01-06 00:00:00,PROFIT,95.0000,6\r\n"
+                                            "2000-01-06 00:00:00,LONG,96.0000,6\r\n"
+                                            "2000-01-07 00:00:00,STOP LOSS,94.0800,7\r\n"
+                                            "2000-01-07 00:00:00,SHORT,94.5000,7\r\n"
+                                            "2000-01-11 00:00:00,NO ACTIVITY,94.4000,11\r\n"
+                                            "2000-01-12 00:00:00,SHORT,94.0000,12\r\n"
+                                            "2000-01-13 00:00:00,STOP LOSS,95.8800,13\r\n"
+                                            "2000-01-14 00:00:00,SHORT,94.0000,14\r\n"
+                                            "2000-01-15 00:00:00,EXIT SHORT,95.0000,15\r\n"
+                                            "2000-01-16 00:00:00,LONG,95.0000,16\r\n"
+                                            "2000-01-17 00:00:00,PROFIT,99.7500,17\r\n"));
   EXPECT_EQ(sketch(trades), "1@2 4@4 2@4 5@6 1@6 4@7 2@7 5@11 2@12 5@13 2@14 5@15 1@16 4@17");
 }
 
@@ -352,9 +350,8 @@ TEST(SimulateTrades, StopsAreMeasuredFromThePriceBeforeSlippage) {
   const std::vector<Bar> bars = risingBars(20);
   const Signals trades = simulate(bars, {{kTradeLong, 3}}, "a=50;b=0;c=1;d=0;", 10.0);
   // Target 103 x 1.01 = 104.03, reached by bar 5; bought at 103 x 1.1, sold at 104.03 x 0.9.
-  EXPECT_EQ(tradeLog(trades, 0),
-            "2000-01-03 00:00:00,LONG,113.3000,3\r\n"
-            "2000-01-05 00:00:00,PROFIT,93.6270,5\r\n");
+  EXPECT_EQ(tradeLog(trades, 0), localDates("2000-01-03 00:00:00,LONG,113.3000,3\r\n"
+                                            "2000-01-05 00:00:00,PROFIT,93.6270,5\r\n"));
 }
 
 // ---- Against a literal twin, and size.
