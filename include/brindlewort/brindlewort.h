@@ -190,6 +190,7 @@ BW_API int32_t bw_backtest_get_record_by_index(bw_backtest* h, int32_t index, do
                                               int32_t* volume, int32_t* result);
 BW_API int32_t bw_backtest_clear_records(bw_backtest* h);
 BW_API int32_t bw_backtest_get_record_count(bw_backtest* h, int32_t* count);
+/* Of all handles this one alone counts milliseconds. */
 BW_API int32_t bw_backtest_to_julian_date(bw_backtest* h, int32_t year, int32_t month, int32_t day, int32_t hour,
                                          int32_t minute, int32_t second, int32_t millisecond, double* jdate);
 BW_API int32_t bw_backtest_from_julian_date(bw_backtest* h, double jdate, char** text);

@@ -440,6 +440,21 @@ class CBacktest {
     return count;
   }
 
+  // ---- Dates
+
+  /// Julian day number with fraction of a civil date and time of 1801 to 2099.
+  double ToJulianDate(std::int32_t nYear, std::int32_t nMonth, std::int32_t nDay, std::int32_t nHour = 0,
+                      std::int32_t nMinute = 0, std::int32_t nSecond = 0, std::int32_t nMillisecond = 0) const {
+    double date = 0.0;
+    detail::Check(bw_backtest_to_julian_date(handle_.get(), nYear, nMonth, nDay, nHour, nMinute, nSecond, nMillisecond,
+                                       &date));
+    return date;
+  }
+  /// "YYYY-MM-DD HH:MM:SS", or "No Date Time".
+  std::string FromJulianDate(double JDate) const {
+    return detail::TextOf([&](char** text) { return bw_backtest_from_julian_date(handle_.get(), JDate, text); });
+  }
+
   /// The report over all bars: nothing for an error, empty without bars. MaxOpenDays: "name=value;" four times, for the
   /// stop loss in percent, the trailing stop (above 0: on), the profit target in percent, and the bars until a position
   /// is closed in any case; 0 switches a rule off.
@@ -550,6 +565,21 @@ class CAlert {
     std::int32_t count = 0;
     detail::Check(bw_alert_get_record_count(handle_.get(), &count));
     return count;
+  }
+
+  // ---- Dates
+
+  /// Julian day number with fraction of a civil date and time of 1801 to 2099. The millisecond is ignored.
+  double ToJulianDate(std::int32_t nYear, std::int32_t nMonth, std::int32_t nDay, std::int32_t nHour = 0,
+                      std::int32_t nMinute = 0, std::int32_t nSecond = 0, std::int32_t nMillisecond = 0) const {
+    double date = 0.0;
+    detail::Check(bw_alert_to_julian_date(handle_.get(), nYear, nMonth, nDay, nHour, nMinute, nSecond, nMillisecond,
+                                       &date));
+    return date;
+  }
+  /// "YYYY-MM-DD HH:MM:SS", or "No Date Time".
+  std::string FromJulianDate(double JDate) const {
+    return detail::TextOf([&](char** text) { return bw_alert_from_julian_date(handle_.get(), JDate, text); });
   }
 
   /// Evaluates a script once, which stays in force for later changes. True when it fired.

@@ -1,5 +1,5 @@
-// script_host LANGUAGE FILE...: runs the files, one after the other, in one engine of the language (VBScript or
-// JScript), with the object `host`. The exit code is 0 when no script has failed.
+// script_host LANGUAGE FILE...: runs the files, one after the other, in one engine of the language (VBScript
+// or JScript), with the object `host`. The exit code is 0 when no script has failed.
 
 #include "script_host.hpp"
 
@@ -10,10 +10,6 @@
 namespace brindlewort::testing {
 
 namespace {
-
-/// An interface of late-bound members, in the order of their ids from 1.
-constexpr const wchar_t* kMembers[] = {L"print", L"create", L"connect", L"disconnect", L"sinkFailures"};
-enum Member : DISPID { kPrint = 1, kCreate, kConnect, kDisconnect, kSinkFailures };
 
 std::string utf8(const wchar_t* text) {
   if (!text) return std::string();
@@ -93,14 +89,28 @@ HRESULT eventsOf(IDispatch* object, REFIID events, std::map<DISPID, std::wstring
 
 }  // namespace
 
-STDMETHODIMP Sink::Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*, UINT*) {
+STDMETHODIMP Sink::Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
+                          UINT*) {
   const auto function = functions_.find(event);
   return function == functions_.end() ? DISP_E_MEMBERNOTFOUND : host_.call(function->second, arguments);
 }
 
+struct ScriptApi::Member {
+  const wchar_t* name;
+  HRESULT (ScriptApi::*call)(const DISPPARAMS&, VARIANT&);
+};
+
+const ScriptApi::Member ScriptApi::kMembers[] = {
+    {L"print", &ScriptApi::print},
+    {L"create", &ScriptApi::create},
+    {L"connect", &ScriptApi::connect},
+    {L"disconnect", &ScriptApi::disconnect},
+    {L"sinkFailures", &ScriptApi::sinkFailures},
+};
+
 STDMETHODIMP ScriptApi::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
   for (std::size_t i = 0; count == 1 && i < std::size(kMembers); ++i) {
-    if (_wcsicmp(names[0], kMembers[i]) != 0) continue;
+    if (_wcsicmp(names[0], kMembers[i].name) != 0) continue;
     ids[0] = static_cast<DISPID>(i) + 1;
     return S_OK;
   }
@@ -109,47 +119,59 @@ STDMETHODIMP ScriptApi::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
 
 STDMETHODIMP ScriptApi::Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT* result,
                                EXCEPINFO*, UINT*) {
-  VARIANT unwanted;
-  VariantInit(&unwanted);
-  VARIANT& answer = result ? *result : unwanted;
+  const auto count = static_cast<DISPID>(std::size(kMembers));
+  if (member < 1 || member > count) return DISP_E_MEMBERNOTFOUND;
+  VARIANT answer;
   VariantInit(&answer);
-  HRESULT status = DISP_E_TYPEMISMATCH;
-  if (member == kPrint) {
-    const Argument text(*arguments, 0, VT_BSTR);
-    if (!text.given()) return status;
-    std::printf("%s\n", utf8(text.text()).c_str());
-    std::fflush(stdout);
-    status = S_OK;
-  } else if (member == kCreate) {
-    const Argument progId(*arguments, 0, VT_BSTR);
-    const Argument prefix(*arguments, 1, VT_BSTR);
-    if (!progId.given()) return status;
-    answer.vt = VT_DISPATCH;
-    status = host_.create(progId.text(), &answer.pdispVal);
-    DWORD cookie = 0;
-    if (SUCCEEDED(status) && prefix.given()) status = host_.connect(answer.pdispVal, prefix.text(), &cookie);
-  } else if (member == kConnect || member == kDisconnect) {
-    const Argument object(*arguments, 0, VT_DISPATCH);
-    const Argument prefix(*arguments, 1, VT_BSTR);
-    if (!object.given() || !object.object() || !prefix.given()) return status;
-    if (member == kDisconnect) {
-      status = host_.disconnect(object.object(), static_cast<DWORD>(Argument(*arguments, 1, VT_I4).number()));
-    } else {
-      DWORD cookie = 0;
-      status = host_.connect(object.object(), prefix.text(), &cookie);
-      answer.vt = VT_I4;
-      answer.lVal = static_cast<LONG>(cookie);
-    }
-  } else if (member == kSinkFailures) {
-    answer.vt = VT_I4;
-    answer.lVal = host_.sinkFailures();
-    status = S_OK;
+  const HRESULT status = (this->*kMembers[member - 1].call)(*arguments, answer);
+  if (SUCCEEDED(status) && result) {
+    *result = answer;
   } else {
-    status = DISP_E_MEMBERNOTFOUND;
+    VariantClear(&answer);
   }
-  if (FAILED(status)) VariantClear(&answer);
-  VariantClear(&unwanted);
   return status;
+}
+
+HRESULT ScriptApi::print(const DISPPARAMS& arguments, VARIANT&) {
+  const Argument text(arguments, 0, VT_BSTR);
+  if (!text.given()) return DISP_E_TYPEMISMATCH;
+  std::printf("%s\n", utf8(text.text()).c_str());
+  return S_OK;
+}
+
+HRESULT ScriptApi::create(const DISPPARAMS& arguments, VARIANT& result) {
+  const Argument progId(arguments, 0, VT_BSTR);
+  const Argument prefix(arguments, 1, VT_BSTR);
+  if (!progId.given()) return DISP_E_TYPEMISMATCH;
+  HRESULT status = host_.create(progId.text(), &result.pdispVal);
+  if (FAILED(status)) return status;
+  result.vt = VT_DISPATCH;
+  DWORD cookie = 0;
+  return prefix.given() ? host_.connect(result.pdispVal, prefix.text(), &cookie) : S_OK;
+}
+
+HRESULT ScriptApi::connect(const DISPPARAMS& arguments, VARIANT& result) {
+  const Argument object(arguments, 0, VT_DISPATCH);
+  const Argument prefix(arguments, 1, VT_BSTR);
+  if (!object.given() || !object.object() || !prefix.given()) return DISP_E_TYPEMISMATCH;
+  DWORD cookie = 0;
+  const HRESULT status = host_.connect(object.object(), prefix.text(), &cookie);
+  result.vt = VT_I4;
+  result.lVal = static_cast<LONG>(cookie);
+  return status;
+}
+
+HRESULT ScriptApi::disconnect(const DISPPARAMS& arguments, VARIANT&) {
+  const Argument object(arguments, 0, VT_DISPATCH);
+  const Argument cookie(arguments, 1, VT_I4);
+  if (!object.given() || !object.object() || !cookie.given()) return DISP_E_TYPEMISMATCH;
+  return host_.disconnect(object.object(), static_cast<DWORD>(cookie.number()));
+}
+
+HRESULT ScriptApi::sinkFailures(const DISPPARAMS&, VARIANT& result) {
+  result.vt = VT_I4;
+  result.lVal = host_.sinkFailures();
+  return S_OK;
 }
 
 Host::~Host() {
@@ -181,7 +203,8 @@ HRESULT Host::run(const std::wstring& text) {
 HRESULT Host::create(const wchar_t* progId, IDispatch** object) {
   CLSID clsid{};
   const HRESULT result = CLSIDFromProgID(progId, &clsid);
-  return FAILED(result) ? result : CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(object));
+  return FAILED(result) ? result
+                        : CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(object));
 }
 
 HRESULT Host::connect(IDispatch* object, const std::wstring& prefix, DWORD* cookie) {
@@ -211,8 +234,8 @@ HRESULT Host::call(const std::wstring& function, DISPPARAMS* arguments) {
   if (FAILED(engine_->GetScriptDispatch(nullptr, &script))) return E_UNEXPECTED;
   if (FAILED(script->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id))) return S_OK;
   ++inSinks_;
-  const HRESULT result =
-      script->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, arguments, nullptr, nullptr, nullptr);
+  const HRESULT result = script->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, arguments,
+                                        nullptr, nullptr, nullptr);
   --inSinks_;
   if (FAILED(result)) ++sinkFailures_;
   return result;

@@ -1,7 +1,7 @@
 #pragma once
 
-// A host of the system's script languages: it runs scripts that make components and take their events, which the
-// script runner of the system does not connect everywhere.
+// A host of the system's script languages: it runs scripts that make components and take their events, which
+// the script runner of the system does not connect everywhere.
 
 #include <activscp.h>
 #include <ocidl.h>
@@ -56,8 +56,8 @@ class LateBound : public Counted<IDispatch> {
 
 class Host;
 
-/// A sink that calls the functions of the script: the event `Alert` at the prefix `my_` calls `my_Alert`, with the
-/// very arguments of the event. An event without a function is let pass.
+/// A sink that calls the functions of the script: the event `Alert` at the prefix `my_` calls `my_Alert`,
+/// with the very arguments of the event. An event without a function is let pass.
 class Sink final : public LateBound {
  public:
   Sink(Host& host, REFIID events, std::map<DISPID, std::wstring> functions)
@@ -90,6 +90,15 @@ class ScriptApi final : public LateBound {
                       EXCEPINFO* exception, UINT* faulty) override;
 
  private:
+  struct Member;
+  static const Member kMembers[];  ///< their ids count from 1
+
+  HRESULT print(const DISPPARAMS& arguments, VARIANT& result);
+  HRESULT create(const DISPPARAMS& arguments, VARIANT& result);
+  HRESULT connect(const DISPPARAMS& arguments, VARIANT& result);
+  HRESULT disconnect(const DISPPARAMS& arguments, VARIANT& result);
+  HRESULT sinkFailures(const DISPPARAMS& arguments, VARIANT& result);
+
   Host& host_;
 };
 

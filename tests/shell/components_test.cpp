@@ -68,6 +68,18 @@ TEST(BacktestFace, NullOutPointersOfAQueryAreSkipped) {
   bw_backtest_destroy(handle);
 }
 
+TEST(BacktestFace, ItsDatesAloneCountMilliseconds) {
+  constexpr std::int32_t kSixHours = 6 * 60 * 60 * 1000;
+  constexpr double kNewYear2024 = 2460310.5;
+  const brindlewort::CBacktest backtest;
+  EXPECT_EQ(backtest.ToJulianDate(2024, 1, 1, 0, 0, 0, kSixHours), kNewYear2024 + 0.25);
+  EXPECT_EQ(backtest.FromJulianDate(0.0), "No Date Time");
+  const brindlewort::CAlert alert;
+  EXPECT_EQ(alert.ToJulianDate(2024, 1, 1, 12, 0, 0, kSixHours), kNewYear2024 + 0.5);
+  EXPECT_EQ(alert.FromJulianDate(0.0), "No Date Time");
+  EXPECT_EQ(brindlewort::CScriptOutput().ToJulianDate(2024, 1, 1, 0, 0, 0, kSixHours), kNewYear2024);
+}
+
 TEST(AlertFace, AFiringScriptTellsSymbolNameDateAndPriceOfTheLastTrade) {
   brindlewort::CAlert alert;
   std::vector<std::string> fired;

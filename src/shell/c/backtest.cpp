@@ -81,8 +81,12 @@ int32_t bw_backtest_get_record_count(bw_backtest* h, int32_t* count) {
 }
 
 int32_t bw_backtest_to_julian_date(bw_backtest* h, int32_t year, int32_t month, int32_t day, int32_t hour,
-                                   int32_t minute, int32_t second, int32_t /*millisecond*/, double* jdate) {
-  return toJulianDate(h, year, month, day, hour, minute, second, jdate);
+                                   int32_t minute, int32_t second, int32_t millisecond, double* jdate) {
+  return onHandle(h, [&](bw_backtest&) {
+    if (!jdate) return kNullArgument;
+    *jdate = ToJulianDateWithMilliseconds(year, month, day, hour, minute, second, millisecond);
+    return kSuccess;
+  });
 }
 
 int32_t bw_backtest_from_julian_date(bw_backtest* h, double jdate, char** text) {

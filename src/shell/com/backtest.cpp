@@ -21,6 +21,14 @@ class BacktestComponent final : public PlainBarMembers<IBacktest, CBacktest, Mis
     };
   }
 
+  /// Of all components this one alone counts milliseconds.
+  STDMETHODIMP ToJulianDate(int nYear, int nMonth, int nDay, int nHour, int nMinute, int nSecond,
+                            int nMillisecond, double* JDate) override {
+    return call([&] {
+      return give(ToJulianDateWithMilliseconds(nYear, nMonth, nDay, nHour, nMinute, nSecond, nMillisecond),
+                  JDate);
+    });
+  }
   STDMETHODIMP Backtest(BSTR BuyScript, BSTR SellScript, BSTR ExitLongScript, BSTR ExitShortScript,
                         double SlipPct, BSTR MaxOpenDays, BSTR* Report) override {
     return run(&CBacktest::Backtest, BuyScript, SellScript, ExitLongScript, ExitShortScript, SlipPct,

@@ -26,14 +26,15 @@ VARIANTARG* argumentOf(const DISPPARAMS& arguments, UINT place) {
   return place < arguments.cArgs - named ? &arguments.rgvarg[arguments.cArgs - 1 - place] : nullptr;
 }
 
-/// What the host's argument converts to, or 0.
-VARIANT startValue(VARIANT& given, VARTYPE type) {
+/// What a place holds before the call. No member reads it, and no date, price or volume is written so: a
+/// place that still holds it was left untouched.
+constexpr ULONGLONG kUntouched = 0xFFF7'4E6F'8000'0001u;
+
+VARIANT untouched(VARTYPE type) {
   VARIANT value;
   VariantInit(&value);
-  if (FAILED(VariantChangeType(&value, &given, 0, type))) {
-    value.vt = type;
-    value.ullVal = 0;
-  }
+  value.vt = type;
+  value.ullVal = kUntouched;
   return value;
 }
 
@@ -115,7 +116,7 @@ HRESULT Dispatch::invoke(IDispatch* object, DISPID member, WORD flags, DISPPARAM
     if (parameter.member != member) continue;
     VARIANTARG* const given = argumentOf(*arguments, parameter.place);
     if (!given || given->vt == (VT_BYREF | parameter.type)) continue;
-    places.push_back({given, startValue(*given, parameter.type)});
+    places.push_back({given, untouched(parameter.type)});
     taken[static_cast<std::size_t>(given - arguments->rgvarg)] = referenceTo(places.back().value);
   }
 

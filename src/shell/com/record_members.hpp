@@ -70,6 +70,7 @@ class RecordMembers : public Component<Interface> {
   STDMETHODIMP get_RecordCount(LONG* Count) override {
     return this->call([&] { return give<LONG>(logic_.RecordCount(), Count); });
   }
+  /// The millisecond is ignored.
   STDMETHODIMP ToJulianDate(int nYear, int nMonth, int nDay, int nHour, int nMinute, int nSecond,
                             int /*nMillisecond*/, double* JDate) override {
     return this->call(

@@ -9,17 +9,18 @@ find_path(WIDL_LIBRARIES stdole2.tlb PATHS /usr/lib/x86_64-linux-gnu/wine/x86_64
 set(AUTOMATION_DIR "${CMAKE_BINARY_DIR}/automation")
 set(TYPE_LIBRARY "${AUTOMATION_DIR}/Brindlewort.tlb")
 set(STRING_TABLE "${AUTOMATION_DIR}/help_texts.rc")
-set(interfaces "${CMAKE_CURRENT_SOURCE_DIR}/shell/com/brindlewort.idl")
 file(MAKE_DIRECTORY "${AUTOMATION_DIR}")
 
 # A fixed time makes the type library the same file on every build.
 set(widl "${CMAKE_COMMAND}" -E env WIDL_TIME_OVERRIDE=0 "${WIDL}" "-I${WIDL_IMPORTS}" "-L${WIDL_LIBRARIES}")
 add_custom_command(
   OUTPUT "${TYPE_LIBRARY}" "${AUTOMATION_DIR}/brindlewort_com.h" "${AUTOMATION_DIR}/brindlewort_com_i.c"
-  COMMAND ${widl} -t -o "${TYPE_LIBRARY}" "${interfaces}"
-  COMMAND ${widl} -h -o "${AUTOMATION_DIR}/brindlewort_com.h" "${interfaces}"
-  COMMAND ${widl} -u -o "${AUTOMATION_DIR}/brindlewort_com_i.c" "${interfaces}"
-  DEPENDS "${interfaces}" COMMENT "Compiling the automation interfaces" VERBATIM)
+  COMMAND ${widl} -t -o "${TYPE_LIBRARY}" brindlewort.idl
+  COMMAND ${widl} -h -o "${AUTOMATION_DIR}/brindlewort_com.h" brindlewort.idl
+  COMMAND ${widl} -u -o "${AUTOMATION_DIR}/brindlewort_com_i.c" brindlewort.idl
+  # widl writes the name of its source into what it makes, so it is called where that name is short.
+  WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/shell/com"
+  DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/shell/com/brindlewort.idl" COMMENT "Compiling the automation interfaces" VERBATIM)
 add_custom_command(OUTPUT "${STRING_TABLE}"
   COMMAND "${CMAKE_COMMAND}" "-DTEXTS=${CMAKE_CURRENT_SOURCE_DIR}/shell/help/texts" "-DOUTPUT=${STRING_TABLE}"
     -P "${PROJECT_SOURCE_DIR}/cmake/string_table.cmake"
@@ -51,3 +52,8 @@ set_target_properties(brindlewort_server PROPERTIES PREFIX "" OUTPUT_NAME Brindl
 target_link_libraries(brindlewort_server PRIVATE ${layers} bw_automation_ids ole32 oleaut32 uuid advapi32 kernel32)
 # No library of the compiler travels with it, and nothing that it does not use is in it.
 target_link_options(brindlewort_server PRIVATE -static LINKER:--gc-sections LINKER:--no-insert-timestamp -s)
+
+add_custom_target(host_package
+  COMMAND "${CMAKE_COMMAND}" -DVERSION=${PROJECT_VERSION} "-DBUILD=${CMAKE_BINARY_DIR}" "-DOUTPUT=${CMAKE_BINARY_DIR}"
+    -P "${PROJECT_SOURCE_DIR}/packaging/windows/package.cmake"
+  DEPENDS brindlewort_server COMMENT "Packing what a host on Windows needs" VERBATIM)

@@ -50,7 +50,8 @@ var failures = host.sinkFailures();
 var failing = host.connect(alert, "failing_");
 var shorter = host.connect(alert, "short_");
 append(13, 13);
-check("three sinks", takeHeard(), "first 4: number 13 number 13.5 string XYZ string High close;failing;short 13 13.5;");
+check("three sinks", takeHeard(),
+      "first 4: number 13 number 13.5 string XYZ string High close;failing;short 13 13.5;");
 check("the failed calls", host.sinkFailures() - failures, 1);
 host.disconnect(alert, first);
 host.disconnect(alert, failing);

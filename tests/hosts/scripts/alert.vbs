@@ -122,7 +122,8 @@ Check "its high", highPrice, CDbl(3)
 Check "its low", lowPrice, CDbl(1)
 Check "its close", closePrice, CDbl(2)
 Check "its volume", volume, CLng(200)
-Check "a bar by its date", alert.GetRecordByJDate(January(12), openPrice, highPrice, lowPrice, closePrice, volume), True
+Check "a bar by its date", alert.GetRecordByJDate(January(12), openPrice, highPrice, lowPrice, closePrice, volume), _
+  True
 Check "its close", closePrice, CDbl(20.5)
 CheckNumber "the date of the first bar", alert.GetJDate(1), January(1)
 CheckNumber "a date behind the last", alert.GetJDate(17), 0

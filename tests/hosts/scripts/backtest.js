@@ -16,7 +16,8 @@ check("the index", lines[16], "Value Added Monthly Index (VAMI): 1428.57142857")
 check("the log", lines[24], "Trade Log:");
 check("the entry", lines[25], januaryText(7) + ",LONG,7.0000,7");
 check("the exit", lines[26], januaryText(10) + ",EXIT LONG,10.0000,10");
-check("the incremental way", linesOf(backtest.Backtest_New("CLOSE = 7", "", "CLOSE = 10", "", 0, "")).join("|"), lines.join("|"));
+check("the incremental way", linesOf(backtest.Backtest_New("CLOSE = 7", "", "CLOSE = 10", "", 0, "")).join("|"),
+      lines.join("|"));
 lines = linesOf(backtest.Backtest("CLOSE = 7", "", "CLOSE = 10", "", 0, "Stop=0;Trail=0;Target=25;Bars=0;"));
 check("a profit target", lines[26], januaryText(8) + ",PROFIT,8.7500,8");
 

@@ -51,12 +51,15 @@ Check "the report", backtest.Backtest("CLOSE = 7", "", "CLOSE = 10", "", 0, ""),
 Check "the report of the incremental way", backtest.Backtest_New("CLOSE = 7", "", "CLOSE = 10", "", 0, ""), report
 
 ' A target of 25 percent lies at 8.75; the bar after the entry goes up to 9.
-Check "a profit target", backtest.Backtest("CLOSE = 7", "", "CLOSE = 10", "", 0, "Stop=0;Trail=0;Target=25;Bars=0;"), _
-  ReportOf("1.7500", "0.2500", "1250.00000000", JanuaryText(7) & ",LONG,7.0000,7", JanuaryText(8) & ",PROFIT,8.7500,8")
+Check "a profit target", _
+  backtest.Backtest("CLOSE = 7", "", "CLOSE = 10", "", 0, "Stop=0;Trail=0;Target=25;Bars=0;"), _
+  ReportOf("1.7500", _
+  "0.2500", "1250.00000000", JanuaryText(7) & ",LONG,7.0000,7", JanuaryText(8) & ",PROFIT,8.7500,8")
 
 ' One percent of slippage: in at 7.07, out at 9.90, which is 2.83 on 7.07.
 Check "slippage", backtest.Backtest("CLOSE = 7", "", "CLOSE = 10", "", 1, ""), _
-  ReportOf("2.8300", "0.4003", "1400.28288543", JanuaryText(7) & ",LONG,7.0700,7", JanuaryText(10) & ",EXIT LONG,9.9000,10")
+  ReportOf("2.8300", _
+  "0.4003", "1400.28288543", JanuaryText(7) & ",LONG,7.0700,7", JanuaryText(10) & ",EXIT LONG,9.9000,10")
 
 ' A short position from 7 to 10 loses 3, and nothing is gained.
 report = backtest.Backtest("", "CLOSE = 7", "", "CLOSE = 10", 0, "")
@@ -84,7 +87,8 @@ Check "its date", jdate, CDbl(January(2))
 Check "its volume", volume, CLng(200)
 Check "an edit", CInt(backtest.EditRecord(January(2), 5, 6, 4, 5.5, 9)), -1
 Check "an edit of no bar", CInt(backtest.EditRecord(January(30), 5, 6, 4, 5, 9)), 0
-Check "the changed bar", backtest.GetRecordByJDate(January(2), openPrice, highPrice, lowPrice, closePrice, volume), True
+Check "the changed bar", backtest.GetRecordByJDate(January(2), openPrice, highPrice, lowPrice, closePrice, volume), _
+  True
 Check "its close", closePrice, CDbl(5.5)
 Check "the text of a date", backtest.FromJulianDate(January(31)), "1/31/2024 12:00:00 AM"
 CheckNumber "half a second, in thousands of seconds", _

@@ -23,7 +23,8 @@ check("all rows", output.GetScriptOutput(script, 0, "A"), wanted);
 check("the bars on which the script fires", output.GetScriptOutput(script, -1, ""), "8,9,10,");
 check("an edit", output.EditRecord(january(10), 21, 22, 20, 21, 5), true);
 check("an edit of no bar", output.EditRecord(january(11), 1, 1, 1, 1, 1), false);
-check("the changed row", output.GetScriptOutput(script, 10, "A"), "Date,\"A\"\r\n" + januaryText(10) + ",15.0000\r\n");
+check("the changed row", output.GetScriptOutput(script, 10, "A"),
+      "Date,\"A\"\r\n" + januaryText(10) + ",15.0000\r\n");
 
 // A script at fault: no text, and the event.
 check("a script with an unknown name", String(output.GetScriptOutput("CLOSE > NOSUCH", 0, "")), "");
@@ -56,7 +57,8 @@ check("what it was given", closePrice, 5);
 check("a list", typeof output.GetScriptOutput_PTR(script, 0, "A"), "number");
 check("an edit", output.EditRecord_New(january(10), 20, 21, 19, 20, 5), true);
 check("a changed date", output.EditJDate_New(january(10), january(20)), true);
-check("the changed row", output.GetScriptOutput_New(script, 10, "A"), "Date,\"A\"\r\n" + januaryText(20) + ",14.5000\r\n");
+check("the changed row", output.GetScriptOutput_New(script, 10, "A"),
+      "Date,\"A\"\r\n" + januaryText(20) + ",14.5000\r\n");
 check("errors of the incremental way", heard, "");
 
 finish(27);

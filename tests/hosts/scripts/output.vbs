@@ -29,7 +29,8 @@ For i = 1 To 10
   output.AppendRecord January(i), i, i + 1, i - 1, i, 100 * i
 Next
 Check "the count beside plain bars", output.RecordCount, CLng(0)
-Check "a query beside plain bars", output.GetRecordByIndex(1, jdate, openPrice, highPrice, lowPrice, closePrice, volume), False
+Check "a query beside plain bars", _
+  output.GetRecordByIndex(1, jdate, openPrice, highPrice, lowPrice, closePrice, volume), False
 
 ' An average of two rows begins on row 3 of the series, whose row 0 is a filler: at the third bar.
 wanted = "Date,""A""" & vbCrLf
@@ -56,7 +57,8 @@ For i = 5 To 10
 Next
 Check "rows from the third bar", output.GetScriptOutput(script, 3, "A"), wanted
 Check "the bars on which the script fires", output.GetScriptOutput(script, -1, ""), "8,9,10,"
-Check "the heading", output.GetCustomIndFromCondition(script), "Date,Open,High,Low,Close,Volume,""SMA(CLOSE, 2)"",""A""" & vbCrLf
+Check "the heading", output.GetCustomIndFromCondition(script), _
+  "Date,Open,High,Low,Close,Volume,""SMA(CLOSE, 2)"",""A""" & vbCrLf
 Check "errors so far", heard, ""
 
 ' A changed bar: the last average becomes that of 9 and 21.
@@ -107,13 +109,15 @@ Check "its high", highPrice, CDbl(4)
 Check "its low", lowPrice, CDbl(2)
 Check "its close", closePrice, CDbl(3)
 Check "its volume", volume, CLng(300)
-Check "a bar by its date", output.GetRecordByJDate(January(4), openPrice, highPrice, lowPrice, closePrice, volume), True
+Check "a bar by its date", output.GetRecordByJDate(January(4), openPrice, highPrice, lowPrice, closePrice, volume), _
+  True
 Check "its close", closePrice, CDbl(4)
 Check "its volume", volume, CLng(400)
 Check "no such date", output.GetRecordByJDate(January(11), openPrice, highPrice, lowPrice, closePrice, volume), False
 CheckNumber "the close that no bar changed", closePrice, 4
 Check "bar 0", output.GetRecordByIndex(0, jdate, openPrice, highPrice, lowPrice, closePrice, volume), False
-Check "the bar behind the last", output.GetRecordByIndex(11, jdate, openPrice, highPrice, lowPrice, closePrice, volume), False
+Check "the bar behind the last", _
+  output.GetRecordByIndex(11, jdate, openPrice, highPrice, lowPrice, closePrice, volume), False
 CheckNumber "a date by number", output.GetJDate(1), January(2)
 CheckNumber "a date behind the last", output.GetJDate(10), 0
 Check "the last bar before a date", output.GetRecordNumberByJDate(January(3)), CLng(1)

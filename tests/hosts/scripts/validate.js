@@ -9,7 +9,8 @@ check("a script without fault", validate.Validate("CLOSE > OPEN", -1), "");
 check("its series", validate.Validate("CLOSE > OPEN", 1), "NO Error:6");
 check("a short script", validate.Validate("ABCD", -1), "Error: Script too short.");
 check("a missing blank", validate.Validate("CLOSE>SMA(CLOSE, 14)", -1), "Error: No space before '>'");
-check("a missing bracket", validate.Validate("SMA(CLOSE, 5", -1), "Error: Script not nested with proper \" ) \" bracket");
+check("a missing bracket",
+      validate.Validate("SMA(CLOSE, 5", -1), "Error: Script not nested with proper \" ) \" bracket");
 check("an unknown word", validate.Validate("CLOSE > NOSUCH", -1), "Error: 'NOSUCH' is not a valid script");
 check("where a script belongs", validate.Validate("SET EXCHANGE = 7\r\nCLOSE > 1", -1), "");
 check("its exchange", validate.Constant("exchange"), "7");

@@ -11,8 +11,10 @@ Check "a script without fault", validate.Validate("CLOSE > OPEN", -1), ""
 Check "its series", validate.Validate("CLOSE > OPEN", 1), "NO Error:6"
 Check "a short script", validate.Validate("ABCD", -1), "Error: Script too short."
 Check "a missing blank", validate.Validate("CLOSE>SMA(CLOSE, 14)", -1), "Error: No space before '>'"
-Check "a missing bracket", validate.Validate("SMA(CLOSE, 5", -1), "Error: Script not nested with proper "" ) "" bracket"
-Check "a number as a name", validate.Validate("SET 5 = 3" & vbCrLf & "CLOSE > 1", -1), "Error: '5' variable cannot be numeric"
+Check "a missing bracket", _
+  validate.Validate("SMA(CLOSE, 5", -1), "Error: Script not nested with proper "" ) "" bracket"
+Check "a number as a name", validate.Validate("SET 5 = 3" & vbCrLf & "CLOSE > 1", -1), _
+  "Error: '5' variable cannot be numeric"
 Check "an unknown word", validate.Validate("CLOSE > NOSUCH", -1), "Error: 'NOSUCH' is not a valid script"
 Check "where a script belongs", validate.Validate("SET SYMBOL = Q" & vbCrLf & "CLOSE > 1", -1), ""
 Check "its symbol", validate.Constant("symbol"), "Q"

@@ -1,9 +1,9 @@
-// Plays a session on the automation server, early bound, without registration: Brindlewort.dll stands beside this
-// program.
+// Plays a session on the automation server, early bound, without registration: Brindlewort.dll stands beside
+// this program.
 
-#include <windows.h>
 #include <ocidl.h>
 #include <oleauto.h>
+#include <windows.h>
 #include <wrl/client.h>
 
 #include <cstdio>

@@ -65,7 +65,8 @@ struct Components {
 template <class Handle, class... Types>
 Call member(const Held<Handle>& component, std::int32_t (*function)(Handle*, Types...)) {
   return [&component, function](Arguments& words, Transcript& transcript) {
-    callMember<Types...>([&](Types... values) { return function(component.get(), values...); }, words, transcript);
+    callMember<Types...>([&](Types... values) { return function(component.get(), values...); }, words,
+                         transcript);
   };
 }
 
@@ -73,8 +74,8 @@ void tellError(void* user, const char* description) {
   static_cast<Transcript*>(user)->line("  event ScriptError " + quoted(description));
 }
 void tellAlertError(void* user, const char* symbol, const char* alertName, const char* description) {
-  static_cast<Transcript*>(user)->line("  event ScriptError " + quoted(symbol) + ' ' + quoted(alertName) + ' ' +
-                                       quoted(description));
+  static_cast<Transcript*>(user)->line("  event ScriptError " + quoted(symbol) + ' ' + quoted(alertName) +
+                                       ' ' + quoted(description));
 }
 void tellAlert(void* user, const char* symbol, const char* alertName, double date, double price) {
   static_cast<Transcript*>(user)->line("  event Alert " + formatted(price) + ' ' + formatted(date) + ' ' +
@@ -155,7 +156,8 @@ void addScriptOutput(Face& face, Components& all, Transcript& transcript) {
       {"ScriptOutput.ScriptHelp", member(output, bw_script_output_get_script_help)},
       {"ScriptOutput.GetJDate", member(output, bw_script_output_get_jdate)},
       {"ScriptOutput.GetRecordNumberByJDate", member(output, bw_script_output_get_record_number_by_jdate)},
-      {"ScriptOutput.GetCustomIndFromCondition", member(output, bw_script_output_get_custom_ind_from_condition)},
+      {"ScriptOutput.GetCustomIndFromCondition",
+       member(output, bw_script_output_get_custom_ind_from_condition)},
       {"ScriptOutput.EditJDate", member(output, bw_script_output_edit_jdate)},
       {"ScriptOutput.GetScriptOutput_New", member(output, bw_script_output_get_script_output_new)},
       {"ScriptOutput.AppendRecord_New", member(output, bw_script_output_append_record_new)},

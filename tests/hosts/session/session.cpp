@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iostream>
 #include <optional>
+#include <set>
 #include <sstream>
 
 namespace brindlewort::session {
@@ -25,7 +26,9 @@ struct ListView {
   const SeriesView* items;
 };
 
-char unescaped(char letter) { return letter == 'r' ? '\r' : letter == 'n' ? '\n' : letter; }
+char unescaped(char letter) {
+  return letter == 'r' ? '\r' : letter == 'n' ? '\n' : letter;
+}
 
 /// The words of a line; nothing when a quotation does not end.
 std::optional<std::vector<std::string>> wordsOf(const std::string& line) {
@@ -81,6 +84,15 @@ class Player {
   Player(const Face& face, std::vector<std::vector<std::string>> bars, Transcript& transcript)
       : face_(face), bars_(std::move(bars)), transcript_(transcript) {}
 
+  /// The members that no line has called.
+  std::vector<std::string> uncalled() const {
+    std::vector<std::string> names;
+    for (const auto& [name, call] : face_.members) {
+      if (!called_.contains(name)) names.push_back(name);
+    }
+    return names;
+  }
+
   bool make(const std::string& line) {
     auto words = wordsOf(line);
     if (!words) return wrong(line);
@@ -108,6 +120,7 @@ class Player {
   bool call(const std::string& member, const std::vector<std::string>& words) {
     const auto found = face_.members.find(member);
     if (found == face_.members.end()) return false;
+    called_.insert(member);
     Arguments arguments(words);
     found->second(arguments, transcript_);
     return arguments.areRight();
@@ -129,6 +142,7 @@ class Player {
   const Face& face_;
   const std::vector<std::vector<std::string>> bars_;
   Transcript& transcript_;
+  std::set<std::string> called_;
 };
 
 }  // namespace
@@ -169,11 +183,21 @@ double Arguments::number() {
   return value;
 }
 
-void Transcript::line(const std::string& text) { out_ << text << '\n'; }
-void Transcript::status(long status) { line("  status " + std::to_string(status)); }
-void Transcript::number(double value) { line("  " + formatted(value)); }
-void Transcript::integer(long long value) { line("  " + std::to_string(value)); }
-void Transcript::text(const char* value) { line(value ? "  " + quoted(value) : "  no text"); }
+void Transcript::line(const std::string& text) {
+  out_ << text << '\n';
+}
+void Transcript::status(long status) {
+  line("  status " + std::to_string(status));
+}
+void Transcript::number(double value) {
+  line("  " + formatted(value));
+}
+void Transcript::integer(long long value) {
+  line("  " + std::to_string(value));
+}
+void Transcript::text(const char* value) {
+  line(value ? "  " + quoted(value) : "  no text");
+}
 
 void Transcript::list(const void* series) {
   const auto* const list = static_cast<const ListView*>(series);
@@ -193,7 +217,9 @@ bool play(std::istream& session, std::istream& bars, const Face& face, Transcrip
   for (std::string line; std::getline(session, line);) {
     if (!player.make(line)) return false;
   }
-  return true;
+  const auto uncalled = player.uncalled();
+  for (const std::string& name : uncalled) transcript.line("NOT CALLED: " + name);
+  return uncalled.empty();
 }
 
 int playFiles(int argc, char** argv, const std::function<Face(Transcript&)>& makeFace) {
@@ -211,7 +237,8 @@ int playFiles(int argc, char** argv, const std::function<Face(Transcript&)>& mak
   Transcript transcript(out);
   const bool understood = play(session, bars, makeFace(transcript), transcript);
   out.close();
-  if (!understood) std::cerr << "a line of the session is not understood; the end of " << argv[3] << " has it\n";
+  if (!understood)
+    std::cerr << "the session is not understood, or not complete; the end of " << argv[3] << " tells\n";
   return understood && out ? 0 : 1;
 }
 

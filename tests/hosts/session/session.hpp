@@ -1,8 +1,8 @@
 #pragma once
 
-// A session is a list of calls of the components, in a file; a driver for each face of the library makes them and
-// writes down what came of each. A face's own table names its members; how arguments are read and results are told
-// comes from the members' types.
+// A session is a list of calls of the components, in a file; a driver for each face of the library makes them
+// and writes down what came of each. A face's own table names its members; how arguments are read and results
+// are told comes from the members' types.
 
 #include <cstdint>
 #include <functional>
@@ -108,8 +108,9 @@ using Call = std::function<void(Arguments&, Transcript&)>;
 
 /// A face of the library.
 struct Face {
-  std::map<std::string, Call> members;                         ///< "Class.Member"; "Class.Member=" sets a property
-  std::map<std::string, std::function<void()>> constructors;  ///< a class, and what makes a new component of it
+  std::map<std::string, Call> members;  ///< "Class.Member"; "Class.Member=" sets a property
+  std::map<std::string, std::function<void()>>
+      constructors;  ///< a class, and what makes a new component of it
 };
 
 /// Makes the calls of a session: lines of
@@ -118,7 +119,8 @@ struct Face {
 ///   bars CLASS.MEMBER FIRST COUNT    calls the member for each of so many bars of the file
 ///   CLASS.MEMBER WORD...             a call; "quoted words" have \r, \n, \" and \\ in them
 ///
-/// and of comments after `#`. Whether the session is one that the face can follow; if not, says so in the transcript.
+/// and of comments after `#`. Whether the face can follow, and each of its members is called; if not,
+/// the transcript says so.
 bool play(std::istream& session, std::istream& bars, const Face& face, Transcript& transcript);
 
 /// The main program of a driver: `driver SESSION BARS TRANSCRIPT`.

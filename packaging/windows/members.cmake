@@ -1,0 +1,52 @@
+# Whether the readme names every member and event of the automation interfaces, each with its number in the table of its
+# interface.
+#
+#   cmake -DINTERFACES=brindlewort.idl -DREADME=README.md -P members.cmake
+cmake_minimum_required(VERSION 3.22)
+
+file(READ "${INTERFACES}" text)
+file(READ "${README}" readme)
+# Semicolons and brackets separate the items of lists.
+string(REGEX REPLACE "//[^\n]*" "" text "${text}")
+string(REPLACE ";" "" text "${text}")
+string(REPLACE ";" "," readme "${readme}")
+string(REPLACE "[" "<" text "${text}")
+string(REPLACE "]" ">" text "${text}")
+
+set(problems "")
+set(seen 0)
+string(REGEX MATCHALL "(dispinterface|interface) _?I[A-Za-z]+( : IDispatch)? {[^}]*}" interfaces "${text}")
+foreach(interface IN LISTS interfaces)
+  string(REGEX MATCH "interface (_?I[A-Za-z]+)" _ "${interface}")
+  set(name "${CMAKE_MATCH_1}")
+  string(REGEX MATCHALL "<id\\([0-9]+\\)[^>]*> HRESULT [A-Za-z_]+\\(" members "${interface}")
+  # The part of the readme from the heading of the interface to the next heading.
+  string(FIND "${readme}" "### ${name}\n" start)
+  set(section "")
+  if(start GREATER_EQUAL 0)
+    string(SUBSTRING "${readme}" ${start} -1 section)
+    string(FIND "${section}" "\n##" end)
+    string(SUBSTRING "${section}" 0 ${end} section)
+  endif()
+  foreach(member IN LISTS members)
+    string(REGEX MATCH "id\\(([0-9]+)\\)[^>]*> HRESULT ([A-Za-z_]+)" _ "${member}")
+    string(FIND "${section}" "\n| ${CMAKE_MATCH_1} | `${CMAKE_MATCH_2}` |" found)
+    if(name MATCHES "^_" AND readme MATCHES "\n\\| `${name}`[^|\n]* \\| ${CMAKE_MATCH_1} \\| `${CMAKE_MATCH_2}` \\|")
+      set(found 0)
+    endif()
+    math(EXPR seen "${seen} + 1")
+    if(found LESS 0)
+      list(APPEND problems "${name}: ${member}")
+    endif()
+  endforeach()
+endforeach()
+
+list(LENGTH interfaces count)
+if(NOT count EQUAL 7)
+  message(FATAL_ERROR "${count} interfaces were found in ${INTERFACES}, not 7")
+endif()
+if(problems)
+  list(JOIN problems "\n  " problems)
+  message(FATAL_ERROR "The readme lacks, or numbers otherwise:\n  ${problems}")
+endif()
+message(STATUS "The readme names all ${seen} members")
