@@ -13,7 +13,8 @@ constexpr const wchar_t* kAbove10 = L"CLOSE > 10";
 class AlertMembers : public HostTest {
  protected:
   void appendOpt(int day, double price, HRESULT expected = S_OK) {
-    EXPECT_EQ(alert->AppendRecord_Opt(dateOf(day), price, price, price, price, 100, lastTradeOf(day)), expected);
+    EXPECT_EQ(alert->AppendRecord_Opt(dateOf(day), price, price, price, price, 100, lastTradeOf(day)),
+              expected);
   }
   /// The incremental way with one script.
   void startLiving(const wchar_t* script) {
@@ -292,7 +293,8 @@ TEST_F(AlertMembers, AMissingResultIsRefusedBeforeAnythingHappens) {
   EXPECT_EQ(alert->ToJulianDate(1980, 1, 1, 0, 0, 0, 0, nullptr), E_POINTER);
   EXPECT_EQ(alert->FromJulianDate(2444239.5, nullptr), E_POINTER);
   double open = 0;
-  EXPECT_EQ(alert->GetRecordByIndex(1, nullptr, &open, nullptr, nullptr, nullptr, nullptr, nullptr), E_POINTER);
+  EXPECT_EQ(alert->GetRecordByIndex(1, nullptr, &open, nullptr, nullptr, nullptr, nullptr, nullptr),
+            E_POINTER);
 }
 
 }  // namespace

@@ -13,8 +13,8 @@ class BacktestMembers : public HostTest {
   void appendRising(int bars) {
     for (int k = 1; k <= bars; ++k) append(backtest, k, 100 + k);
   }
-  std::wstring report(const wchar_t* buy, const wchar_t* sell, const wchar_t* exitLong, const wchar_t* exitShort,
-                      double slip = 0, const wchar_t* rules = L"") {
+  std::wstring report(const wchar_t* buy, const wchar_t* sell, const wchar_t* exitLong,
+                      const wchar_t* exitShort, double slip = 0, const wchar_t* rules = L"") {
     return textOf(backtest, &IBacktest::Backtest, buy, sell, exitLong, exitShort, slip, rules);
   }
   std::wstring reportNew(const wchar_t* buy, const wchar_t* sell, const wchar_t* exitLong,
@@ -50,7 +50,8 @@ TEST_F(BacktestMembers, BarsAreReadBackByNumberAndDate) {
 TEST_F(BacktestMembers, NullPlacesOfAQueryAreSkipped) {
   EXPECT_EQ(backtest->AppendRecord(dateOf(1), 1, 2, 3, 4, 5), S_OK);
   VARIANT_BOOL found = 77;
-  EXPECT_EQ(backtest->GetRecordByIndex(1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &found), S_OK);
+  EXPECT_EQ(backtest->GetRecordByIndex(1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &found),
+            S_OK);
   EXPECT_EQ(found, VARIANT_TRUE);
   double date = 0, low = 0;
   EXPECT_EQ(backtest->GetRecordByIndex(1, &date, nullptr, nullptr, &low, nullptr, nullptr, &found), S_OK);
@@ -99,7 +100,8 @@ TEST_F(BacktestMembers, TheWholeReport) {
                                 L"Calmar ratio: 0.00000000\r\n"
                                 L"Risk to reward ratio: 0.000\r\n"
                                 L"Trade Log:\n" +
-                                dayText(7) + L",LONG,107.0000,7\r\n" + dayText(9) + L",EXIT LONG,109.0000,9\r\n";
+                                dayText(7) + L",LONG,107.0000,7\r\n" + dayText(9) +
+                                L",EXIT LONG,109.0000,9\r\n";
   EXPECT_EQ(report(L"CLOSE = 107", L"", L"CLOSE = 109", L""), expected);
   EXPECT_EQ(report(L"CLOSE = 107", L"", L"CLOSE = 109", L""), expected);  // a second call
   EXPECT_EQ(reportNew(L"CLOSE = 107", L"", L"CLOSE = 109", L""), expected);
@@ -110,16 +112,17 @@ TEST_F(BacktestMembers, BarsAppendedAfterARunCount) {
   appendRising(12);
   report(L"CLOSE = 107", L"", L"CLOSE = 109", L"");
   append(backtest, 13, 113);
-  EXPECT_EQ(tradeLogOf(report(L"CLOSE = 110", L"", L"CLOSE = 113", L"")),
-            L"Trade Log:\n" + dayText(10) + L",LONG,110.0000,10\r\n" + dayText(13) + L",EXIT LONG,113.0000,13\r\n");
+  EXPECT_EQ(
+      tradeLogOf(report(L"CLOSE = 110", L"", L"CLOSE = 113", L"")),
+      L"Trade Log:\n" + dayText(10) + L",LONG,110.0000,10\r\n" + dayText(13) + L",EXIT LONG,113.0000,13\r\n");
 }
 
 TEST_F(BacktestMembers, EveryArgumentReachesItsPlace) {
   appendRising(20);
   // Slippage of 1%: a long is entered dearer and left cheaper, a short the other way round.
   const std::wstring log = L"Trade Log:\n" + dayText(10) + L",LONG,111.1000,10\r\n" + dayText(12) +
-                           L",EXIT LONG,110.8800,12\r\n" + dayText(15) + L",SHORT,113.8500,15\r\n" + dayText(17) +
-                           L",EXIT SHORT,118.1700,17\r\n";
+                           L",EXIT LONG,110.8800,12\r\n" + dayText(15) + L",SHORT,113.8500,15\r\n" +
+                           dayText(17) + L",EXIT SHORT,118.1700,17\r\n";
   EXPECT_EQ(tradeLogOf(report(L"CLOSE = 110", L"CLOSE = 115", L"CLOSE = 112", L"CLOSE = 117", 1.0)), log);
   EXPECT_EQ(tradeLogOf(reportNew(L"CLOSE = 110", L"CLOSE = 115", L"CLOSE = 112", L"CLOSE = 117", 1.0)), log);
 }
@@ -167,7 +170,8 @@ TEST_F(BacktestMembers, ToJulianDateCountsMilliseconds) {
             newYear1980(500 / 3'600'000.0 / 24.0));
   EXPECT_EQ(valueOf<double>(backtest, &IBacktest::ToJulianDate, 1980, 1, 1, 1, 2, 3, 900),
             newYear1980((1 + 2 / 60.0 + 3 / 3600.0 + 900 / 3'600'000.0) / 24.0));
-  EXPECT_EQ(valueOf<double>(backtest, &IBacktest::ToJulianDate, 1980, 1, 1, 0, 0, 0, 21'600'000), newYear1980(0.25));
+  EXPECT_EQ(valueOf<double>(backtest, &IBacktest::ToJulianDate, 1980, 1, 1, 0, 0, 0, 21'600'000),
+            newYear1980(0.25));
 }
 
 TEST_F(BacktestMembers, FromJulianDateIsInTheUsersFormat) {

@@ -60,9 +60,10 @@ TEST_F(LivingOutput, AQueryWithAMissingPlaceIsRefusedAndWritesNothing) {
   for (int missing = 0; missing < 7; ++missing) {
     Record r;
     const auto place = [&](int number, auto& value) { return number == missing ? nullptr : &value; };
-    EXPECT_EQ(output->GetRecordByIndex(1, place(0, r.date), place(1, r.open), place(2, r.high), place(3, r.low),
-                                       place(4, r.close), place(5, r.volume), place(6, r.found)),
-              E_POINTER)
+    EXPECT_EQ(
+        output->GetRecordByIndex(1, place(0, r.date), place(1, r.open), place(2, r.high), place(3, r.low),
+                                 place(4, r.close), place(5, r.volume), place(6, r.found)),
+        E_POINTER)
         << missing;
     EXPECT_EQ(r, untouched(77)) << missing;
     if (missing == 0) continue;
@@ -78,7 +79,8 @@ TEST_F(LivingOutput, DatesCountFromTheSecondBar) {
   appendRamp(3);
   EXPECT_EQ(valueOf<double>(output, &IScriptOutput::GetJDate, 1L), dateOf(2));
   EXPECT_EQ(valueOf<double>(output, &IScriptOutput::GetJDate, 2L), dateOf(3));
-  for (LONG index : {0L, 3L, -1L}) EXPECT_EQ(valueOf<double>(output, &IScriptOutput::GetJDate, index), 0) << index;
+  for (LONG index : {0L, 3L, -1L})
+    EXPECT_EQ(valueOf<double>(output, &IScriptOutput::GetJDate, index), 0) << index;
 }
 
 TEST_F(LivingOutput, TheNumberOfADateIsThatOfTheLastBarBefore) {
@@ -166,7 +168,8 @@ TEST_F(LivingOutput, ASeriesOfTheHostStandsBesideThePrices) {
     appendNew(output, day, day);
     EXPECT_EQ(call(output, &IScriptOutput::UpdateBasicVectorData, L"X", 2.0 * day, change), S_OK);
   }
-  EXPECT_EQ(outputOf(L"X", 6), L"Date,\"A\"\r\n" + dayText(6) + L",12.0000\r\n" + dayText(7) + L",14.0000\r\n");
+  EXPECT_EQ(outputOf(L"X", 6),
+            L"Date,\"A\"\r\n" + dayText(6) + L",12.0000\r\n" + dayText(7) + L",14.0000\r\n");
   EXPECT_EQ(call(output, &IScriptOutput::UpdateBasicVectorData, L"NONE", 1.0, add), S_OK);
   EXPECT_EQ(call(output, &IScriptOutput::AddOrRemoveBasicVectorSeries, L"X", -987654321L), S_OK);
   EXPECT_EQ(outputOf(L"X", 7), L"(null)");
@@ -256,7 +259,8 @@ TEST_F(LivingOutput, AHandlesRowsAreThoseOfTheTable) {
     for (const Rows& series : rows) {
       const double value = series[static_cast<std::size_t>(day) - 1];
       // Every value has at most two binary decimals, so four are exact.
-      table += L"," + (value == kNull ? L"-987654321" : std::to_wstring(value).substr(0, std::to_wstring(value).size() - 2));
+      table += L"," + (value == kNull ? L"-987654321"
+                                      : std::to_wstring(value).substr(0, std::to_wstring(value).size() - 2));
     }
     table += L"\r\n";
   }

@@ -28,9 +28,9 @@ class ScriptOutputMembers : public HostTest {
 
 TEST_F(ScriptOutputMembers, TheTableHasALineForEachBar) {
   appendRamp(5);  // with two of the component's own the 7 that the script asks for
-  const std::wstring expected = L"Date,\"A\"\r\n" + dayText(1) + L",1.5000\r\n" + dayText(2) + L",2.5000\r\n" +
-                                dayText(3) + L",3.5000\r\n" + dayText(4) + L",4.5000\r\n" + dayText(5) +
-                                L",5.5000\r\n";
+  const std::wstring expected = L"Date,\"A\"\r\n" + dayText(1) + L",1.5000\r\n" + dayText(2) +
+                                L",2.5000\r\n" + dayText(3) + L",3.5000\r\n" + dayText(4) + L",4.5000\r\n" +
+                                dayText(5) + L",5.5000\r\n";
   EXPECT_EQ(outputOf(L"set a = close + 0.5\r\na"), expected);
   EXPECT_EQ(outputOf(L"SET A = CLOSE + 0.5\r\nA"), expected);  // a second call
   append(output, 6, 10);
@@ -102,7 +102,8 @@ TEST_F(ScriptOutputMembers, TheHelpIsThatOfTheLastRun) {
 }
 
 TEST_F(ScriptOutputMembers, ToJulianDateIgnoresMilliseconds) {
-  EXPECT_EQ(valueOf<double>(output, &IScriptOutput::ToJulianDate, 1980, 1, 1, 6, 0, 0, 999), newYear1980(0.25));
+  EXPECT_EQ(valueOf<double>(output, &IScriptOutput::ToJulianDate, 1980, 1, 1, 6, 0, 0, 999),
+            newYear1980(0.25));
   EXPECT_EQ(valueOf<double>(output, &IScriptOutput::ToJulianDate, 1980, 1, 1, 1, 2, 3, 900),
             newYear1980((1 + (2 + 3 / 60.0) / 60.0) / 24.0));
 }

@@ -45,7 +45,7 @@ class Sink final : public IDispatch {
   /// `iid`: the event interface that it says to have beside IUnknown and IDispatch.
   static ComPtr<Sink> make(REFIID iid) {
     ComPtr<Sink> sink;
-    sink.Attach(new Sink(iid));
+    *sink.GetAddressOf() = new Sink(iid);  // its first reference
     return sink;
   }
 
@@ -78,8 +78,14 @@ class Sink final : public IDispatch {
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
   STDMETHODIMP Invoke(DISPID id, REFIID reserved, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
                       EXCEPINFO* exception, UINT* faultyArgument) override {
-    EventCall event{id, {}, flags, arguments->cNamedArgs, reserved == IID_NULL, result != nullptr,
-                    exception != nullptr, faultyArgument != nullptr};
+    EventCall event{id,
+                    {},
+                    flags,
+                    arguments->cNamedArgs,
+                    reserved == IID_NULL,
+                    result != nullptr,
+                    exception != nullptr,
+                    faultyArgument != nullptr};
     for (UINT i = 0; i < arguments->cArgs; ++i) event.arguments.push_back(argumentText(arguments->rgvarg[i]));
     events.push_back(std::move(event));
     const auto reaction = react;  // which may replace itself
@@ -107,7 +113,8 @@ inline const IID kEventsOf<IScriptOutput> = __uuidof(_IScriptOutputEvents);
 template <class Interface>
 ComPtr<IConnectionPoint> pointOf(const ComPtr<Interface>& object) {
   ComPtr<IConnectionPoint> point;
-  EXPECT_EQ(query<IConnectionPointContainer>(object)->FindConnectionPoint(kEventsOf<Interface>, &point), S_OK);
+  EXPECT_EQ(query<IConnectionPointContainer>(object)->FindConnectionPoint(kEventsOf<Interface>, &point),
+            S_OK);
   return point;
 }
 

@@ -33,7 +33,8 @@ class Texts : public HostTest {
 };
 
 TEST_F(Texts, AnEmptyTextIsEmptyAndNotNull) {
-  for (auto get : {&IAlert::get_Symbol, &IAlert::get_AlertName, &IAlert::get_AlertScript, &IAlert::get_ScriptHelp}) {
+  for (auto get :
+       {&IAlert::get_Symbol, &IAlert::get_AlertName, &IAlert::get_AlertScript, &IAlert::get_ScriptHelp}) {
     Text text;
     EXPECT_EQ((alert.Get()->*get)(text.place()), S_OK);
     EXPECT_FALSE(text.isNull());
@@ -75,7 +76,8 @@ TEST_F(Texts, CharactersOfTheCodePageComeBack) {
 }
 
 TEST_F(Texts, CharactersThatTheCodePageLacksBecomeItsStandIn) {
-  for (const wchar_t* text : {L"\u6f22\u5b57", L"A\u0416B", L"\u0141", L"\xd83d\xde00", L"\xd800", L"x\xdc00y"}) {
+  for (const wchar_t* text :
+       {L"\u6f22\u5b57", L"A\u0416B", L"\u0141", L"\xd83d\xde00", L"\xd800", L"x\xdc00y"}) {
     EXPECT_EQ(given(text), throughCodePage(text));
   }
   if (GetACP() == 1252) {
@@ -100,8 +102,8 @@ TEST_F(Texts, TextsOfEventsAreThoseOfTheHost) {
   call(alert, &IAlert::put_AlertName, L"\u00fc");
   call(alert, &IAlert::put_AlertScript, L"CLOSE > 0");
   appendAll(alert, {1, 1, 1, 1, 1});
-  EXPECT_EQ(sink->take(),
-            Lines{L"1: '" + throughCodePage(L"\u00fc") + L"' '" + throughCodePage(L"\u00e9") + L"' R8 2451549 R8 1"});
+  EXPECT_EQ(sink->take(), Lines{L"1: '" + throughCodePage(L"\u00fc") + L"' '" + throughCodePage(L"\u00e9") +
+                                L"' R8 2451549 R8 1"});
 }
 
 TEST_F(Texts, EachTextIsTheCallersOwn) {

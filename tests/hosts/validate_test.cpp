@@ -36,7 +36,9 @@ TEST_F(ValidateMembers, AFaultIsATextAndNoFailureOfTheCall) {
 
 TEST_F(ValidateMembers, ConstantsAreThoseOfTheScriptLastRun) {
   EXPECT_EQ(constant(L"SYMBOL"), L"");
-  EXPECT_EQ(answerTo(L"SET SYMBOL = Q\r\nSET EXCHANGE = 7\r\nSET SECTOR = Z\r\nSET INDUSTRY = 9\r\nCLOSE > 1"), L"");
+  EXPECT_EQ(
+      answerTo(L"SET SYMBOL = Q\r\nSET EXCHANGE = 7\r\nSET SECTOR = Z\r\nSET INDUSTRY = 9\r\nCLOSE > 1"),
+      L"");
   EXPECT_EQ(constant(L"SYMBOL"), L"Q");
   EXPECT_EQ(constant(L"exchange"), L"7");
   EXPECT_EQ(constant(L"Sector"), L"Z");
@@ -76,7 +78,8 @@ TEST_F(ValidateMembers, EveryEntryOfTheManualIsInTheStringTable) {
   for (const HelpText& entry : helpTexts()) {
     // Without a buffer the table's own text is given.
     const wchar_t* text = nullptr;
-    const int length = LoadStringW(library.module(), static_cast<UINT>(entry.id), reinterpret_cast<LPWSTR>(&text), 0);
+    const int length =
+        LoadStringW(library.module(), static_cast<UINT>(entry.id), reinterpret_cast<LPWSTR>(&text), 0);
     EXPECT_EQ(std::wstring(text, text + length), manualEntry(entry.id)) << entry.id;
     ++entries;
   }
