@@ -67,13 +67,15 @@ TEST_F(Server, AnObjectKeepsTheLibrary) {
 }
 
 TEST_F(Server, ALockKeepsTheLibrary) {
-  const ComPtr<IClassFactory> alerts = library.factory(kClassOf<IAlert>);
-  const ComPtr<IClassFactory> validators = library.factory(kClassOf<IValidate>);
-  EXPECT_EQ(alerts->LockServer(TRUE), S_OK);
-  EXPECT_EQ(validators->LockServer(TRUE), S_OK);
-  EXPECT_EQ(alerts->LockServer(FALSE), S_OK);
+  // The locks are the module's, not the factory's.
+  const auto lock = [&](REFCLSID clsid, BOOL on) { EXPECT_EQ(library.factory(clsid)->LockServer(on), S_OK); };
+  lock(kClassOf<IAlert>, TRUE);
   EXPECT_EQ(library.canUnloadNow(), S_FALSE);
-  EXPECT_EQ(alerts->LockServer(FALSE), S_OK);  // the locks are the module's, not the factory's
+  lock(kClassOf<IValidate>, TRUE);
+  lock(kClassOf<IAlert>, FALSE);
+  EXPECT_EQ(library.canUnloadNow(), S_FALSE);
+  lock(kClassOf<IAlert>, FALSE);
+  EXPECT_EQ(library.canUnloadNow(), S_OK);
 }
 
 TEST_F(Server, AFactoryAloneKeepsTheLibrary) {

@@ -52,7 +52,7 @@ class Component : public Interface {
   STDMETHODIMP Invoke(DISPID member, REFIID reserved, LCID, WORD flags, DISPPARAMS* arguments,
                       VARIANT* result, EXCEPINFO* exception, UINT* faultyArgument) final {
     if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
-    return guarded(
+    return call(
         [&] { return dispatch_.invoke(this, member, flags, arguments, result, exception, faultyArgument); });
   }
 

@@ -10,12 +10,6 @@ namespace brindlewort::com {
 
 namespace {
 
-/// The place that a call has for an out-parameter in stead of the host's argument.
-struct OutPlace {
-  VARIANT* given;  ///< the host's argument
-  VARIANT value;   ///< of the parameter's type
-};
-
 /// Where the argument of a parameter stands: named ones come first, the others in reverse order. Nothing when
 /// the host does not give it.
 VARIANTARG* argumentOf(const DISPPARAMS& arguments, UINT place) {
@@ -26,15 +20,10 @@ VARIANTARG* argumentOf(const DISPPARAMS& arguments, UINT place) {
   return place < arguments.cArgs - named ? &arguments.rgvarg[arguments.cArgs - 1 - place] : nullptr;
 }
 
-/// What a place holds before the call. No member reads it, and no date, price or volume is written so: a
-/// place that still holds it was left untouched.
-constexpr ULONGLONG kUntouched = 0xFFF7'4E6F'8000'0001u;
-
-VARIANT untouched(VARTYPE type) {
+VARIANT zero(VARTYPE type) {
   VARIANT value;
   VariantInit(&value);
   value.vt = type;
-  value.ullVal = kUntouched;
   return value;
 }
 
@@ -110,25 +99,36 @@ HRESULT Dispatch::invoke(IDispatch* object, DISPID member, WORD flags, DISPPARAM
   if (const HRESULT ready = makeReady(); FAILED(ready)) return ready;
 
   std::vector<VARIANTARG> taken(arguments->rgvarg, arguments->rgvarg + arguments->cArgs);
+  std::vector<OutPlace> places = givePlaces(member, *arguments, taken);
+  DISPPARAMS call = *arguments;
+  call.rgvarg = taken.data();
+  VARIANT unasked;
+  VariantInit(&unasked);
+  VARIANT& told = result ? *result : unasked;
+  const HRESULT outcome = info_->Invoke(
+      object, member, flags, &call, result || !places.empty() ? &told : nullptr, exception, faultyArgument);
+  if (FAILED(outcome)) return outcome;
+  // A query that finds nothing says so, and leaves the host's variables as they are.
+  if (told.vt != VT_BOOL || told.boolVal != VARIANT_FALSE) {
+    for (OutPlace& place : places) writeBack(*place.given, place.value);
+  }
+  // Script languages know the 32-bit integer by one of its two names only.
+  if (told.vt == VT_INT) told.vt = VT_I4;
+  return outcome;
+}
+
+std::vector<Dispatch::OutPlace> Dispatch::givePlaces(DISPID member, const DISPPARAMS& arguments,
+                                                     std::vector<VARIANTARG>& taken) const {
   std::vector<OutPlace> places;
   places.reserve(outParameters_.size());  // the call holds their addresses
   for (const OutParameter& parameter : outParameters_) {
     if (parameter.member != member) continue;
-    VARIANTARG* const given = argumentOf(*arguments, parameter.place);
+    VARIANTARG* const given = argumentOf(arguments, parameter.place);
     if (!given || given->vt == (VT_BYREF | parameter.type)) continue;
-    places.push_back({given, untouched(parameter.type)});
-    taken[static_cast<std::size_t>(given - arguments->rgvarg)] = referenceTo(places.back().value);
+    places.push_back({given, zero(parameter.type)});
+    taken[static_cast<std::size_t>(given - arguments.rgvarg)] = referenceTo(places.back().value);
   }
-
-  DISPPARAMS call = *arguments;
-  call.rgvarg = taken.data();
-  const HRESULT outcome = info_->Invoke(object, member, flags, &call, result, exception, faultyArgument);
-  if (SUCCEEDED(outcome)) {
-    for (OutPlace& place : places) writeBack(*place.given, place.value);
-    // Script languages know the 32-bit integer by one of its two names only.
-    if (result && result->vt == VT_INT) result->vt = VT_I4;
-  }
-  return outcome;
+  return places;
 }
 
 HRESULT Dispatch::makeReady() {

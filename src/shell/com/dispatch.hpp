@@ -12,9 +12,8 @@ namespace brindlewort::com {
 ///
 /// A host may give anything for a member's out-parameter: a variable of the exact type by reference, a
 /// variant by reference (the only kind that some script languages have), or a plain value. The call gets a
-/// place of its own for it, which starts with what the host's argument converts to, or with 0; afterwards the
-/// host's variable takes the result, a variant with the parameter's type, another with the result converted
-/// to its own.
+/// place of its own for it; afterwards the host's variable takes the result, a variant with the parameter's
+/// type, another with the result converted to its own. It stays as it is when the member answers false.
 class Dispatch {
  public:
   explicit Dispatch(REFIID iid) : iid_(iid) {}
@@ -32,6 +31,15 @@ class Dispatch {
     VARTYPE type;
   };
 
+  /// What a call writes into in stead of a host's argument.
+  struct OutPlace {
+    VARIANT* given;  ///< the host's argument
+    VARIANT value;   ///< of the parameter's type
+  };
+
+  /// Gives the member's out-parameters places, and puts references to them into the arguments that it takes.
+  std::vector<OutPlace> givePlaces(DISPID member, const DISPPARAMS& arguments,
+                                   std::vector<VARIANTARG>& taken) const;
   HRESULT makeReady();
   HRESULT listOutParameters();
   void listOutParameters(const FUNCDESC& member);

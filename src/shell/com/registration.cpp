@@ -117,7 +117,8 @@ HRESULT unregisterTypeLibrary() {
   result = UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
                              attributes->lcid, attributes->syskind);
   library->ReleaseTLibAttr(attributes);
-  return result == TYPE_E_REGISTRYACCESS ? S_OK : result;  // it was not registered
+  const bool wasNotRegistered = result == TYPE_E_REGISTRYACCESS || result == E_INVALIDARG;
+  return wasNotRegistered ? S_OK : result;
 }
 
 }  // namespace
