@@ -8,6 +8,7 @@
 #include "engine/expression.hpp"
 #include "engine/fold.hpp"
 #include "functions/script_engine.hpp"
+#include "platform/stack.hpp"
 #include "series/text.hpp"
 
 namespace brindlewort {
@@ -78,7 +79,7 @@ const StoreEntry* CScriptEngine::variableOf(Term& term) {
 
 const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
   const DepthGuard guard(depth_);
-  if (depth_ > kMaxDepth) {
+  if (depth_ > kMaxDepth || platform::stackIsLow()) {
     abortRun();
     return nothing();
   }
