@@ -8,6 +8,7 @@
 #include "indicators/formed_rows.hpp"
 #include "indicators/moving_averages.hpp"
 #include "indicators/price_bases.hpp"
+#include "indicators/row_pairs.hpp"
 #include "indicators/source_rows.hpp"
 #include "indicators/windows.hpp"
 
@@ -62,11 +63,11 @@ double strengthIndex(const Moves& average) {
 
 /// Rows [first, last) of the momentum oscillator.
 void momentumRows(View in, Count p, Count first, Count last, Out out) {
-  for (Count i = first; i < last; ++i) {
-    const double base = nz(in[i - p]);
-    const double momentum = (nz(in[i]) - base) / base * 100.0 + 100.0;
-    out[i] = base == 0.0 ? 0.0 : momentum;
-  }
+  fillRows(first, last, out, [=]<class X>(RowReader<X> at) {
+    const X base = nz(at(in, p));
+    const X momentum = (nz(at(in)) - base) / base * 100.0 + 100.0;
+    return base == 0.0 ? X() : momentum;
+  });
 }
 
 /// Rows [first, last) of Chande's oscillator.
