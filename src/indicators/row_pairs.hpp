@@ -10,6 +10,9 @@ namespace brindlewort {
 /// Two neighbouring rows in one vector register; its arithmetic is that of two doubles.
 using RowPair [[gnu::vector_size(16)]] = double;
 
+template <class X>
+inline constexpr bool kIsPair = sizeof(X) == sizeof(RowPair);
+
 /// What the comparison of two numbers gives: true or false, for a pair one of them for each row.
 template <class X>
 using Mask = decltype(X() < X());
@@ -33,7 +36,11 @@ M butNot(M a, M b) {
 /// The same value in every row.
 template <class X>
 X spread(double value) {
-  return X() + value;
+  if constexpr (kIsPair<X>) {
+    return X{value, value};
+  } else {
+    return value;
+  }
 }
 
 inline RowPair nz(RowPair x) {
@@ -64,10 +71,10 @@ struct RowReader {
   /// The row itself, or the one `back` rows before it.
   X operator()(View in, Count back = 0) const {
     const Count j = row - back;
-    if constexpr (sizeof(X) == sizeof(double)) {
-      return in[j];
-    } else {
+    if constexpr (kIsPair<X>) {
       return X{in[j], in[j + 1]};
+    } else {
+      return in[j];
     }
   }
 };
