@@ -67,15 +67,17 @@ std::vector<std::uint64_t> shuffleFactors(std::size_t rows) {
   return factors;
 }
 
-/// Shuffles the rows and walks over them; a row is final as soon as its turn in the shuffle has passed.
+/// Shuffles the rows and walks over them. A row is final, and not looked at again, as soon as its turn in the
+/// shuffle has passed, so the rows passed are not stored.
 void shuffleAndWalk(std::vector<double>& rows, const std::vector<std::uint64_t>& factors,
                     platform::Random15& random, Drawdown& drawdown) {
   const std::size_t n = rows.size();
   for (std::size_t i = 0; i < factors.size(); ++i) {
     const std::uint64_t drawn = static_cast<std::uint64_t>(random.next());
-    const std::size_t j = i + static_cast<std::size_t>(drawn * factors[i] >> 32);
-    std::swap(rows[i], rows[j < n ? j : i]);  // with itself, where there is no exchange: no branch to guess
-    drawdown.add(rows[i]);
+    const std::size_t other = i + static_cast<std::size_t>(drawn * factors[i] >> 32);
+    const std::size_t j =
+        other < n ? other : i;  // with itself, where there is no exchange: no branch to guess
+    drawdown.add(std::exchange(rows[j], rows[i]));
   }
   if (n != 0) drawdown.add(rows[n - 1]);
 }

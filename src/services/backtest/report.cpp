@@ -41,9 +41,27 @@ constexpr StatisticLine kLines[] = {
     {"Calmar ratio: ", "calmarRatio", [](S s) { return s.calmarRatio; }, 8, ""},
 };
 
+/// Writes dates; an exit and the entry that follows it are often of one bar, whose text is made once.
+class DateWriter {
+ public:
+  void append(std::string& text, double date) {
+    if (date != date_ || text_.empty()) {
+      text_.clear();
+      appendDateTimeText(text_, date);
+      date_ = date;
+    }
+    text += text_;
+  }
+
+ private:
+  double date_ = 0.0;
+  std::string text_;  ///< of date_; empty before the first
+};
+
 void appendTradeLog(std::string& text, std::span<const SignalRecord> records, std::int32_t fillers) {
+  DateWriter dates;
   for (const SignalRecord& record : records) {
-    appendDateTimeText(text, record.JDate);
+    dates.append(text, record.JDate);
     text += ',';
     const std::string_view label = tradeLabel(record.Signal);
     if (!label.empty()) {
