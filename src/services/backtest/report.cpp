@@ -1,5 +1,9 @@
 #include "services/backtest/report.hpp"
 
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
 #include "series/julian_date.hpp"
 #include "series/numbers.hpp"
 
@@ -41,36 +45,32 @@ constexpr StatisticLine kLines[] = {
     {"Calmar ratio: ", "calmarRatio", [](S s) { return s.calmarRatio; }, 8, ""},
 };
 
-/// Writes dates; an exit and the entry that follows it are often of one bar, whose text is made once.
-class DateWriter {
- public:
-  void append(std::string& text, double date) {
-    if (date != date_ || text_.empty()) {
-      text_.clear();
-      appendDateTimeText(text_, date);
-      date_ = date;
-    }
-    text += text_;
-  }
-
- private:
-  double date_ = 0.0;
-  std::string text_;  ///< of date_; empty before the first
-};
+/// "," and the number of a bar, and the end of the line.
+void appendBarNumber(std::string& text, std::int32_t number) {
+  char piece[16] = {','};
+  char* const end = std::to_chars(piece + 1, std::end(piece) - kLineEnd.size(), number).ptr;
+  text.append(piece, std::copy(kLineEnd.begin(), kLineEnd.end(), end));
+}
 
 void appendTradeLog(std::string& text, std::span<const SignalRecord> records, std::int32_t fillers) {
-  DateWriter dates;
-  for (const SignalRecord& record : records) {
-    dates.append(text, record.JDate);
+  std::size_t dateAt = 0, dateEnd = 0;
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const SignalRecord& record = records[i];
+    const std::size_t line = text.size();
+    if (i > 0 && record.JDate == records[i - 1].JDate) {  // an exit and an entry on one bar
+      text.append(text, dateAt, dateEnd - dateAt);
+    } else {
+      appendDateTimeText(text, record.JDate);
+    }
+    dateAt = line;
+    dateEnd = text.size();
     text += ',';
     const std::string_view label = tradeLabel(record.Signal);
     if (!label.empty()) {
       text += label;
       appendFixed(text, record.Price, 4);
     }
-    text += ',';
-    text += std::to_string(hostBarNumber(record, fillers));
-    text += kLineEnd;
+    appendBarNumber(text, hostBarNumber(record, fillers));
   }
 }
 
