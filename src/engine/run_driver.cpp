@@ -172,6 +172,25 @@ void CScriptEngine::evaluateStatements(const std::vector<std::string>& sets, con
   if (result.value != 0.0) resultText = "ALERT";
 }
 
+/// The columns of the bars, filled from the end: the last row takes the last bar. With the whole history
+/// there is one bar more than rows, so the first bar never reaches a series.
+std::array<Series, 6> CScriptEngine::priceColumns(std::size_t rows) const {
+  static constexpr std::array<double Bar::*, 6> kMembers = {&Bar::JDate,    &Bar::OpenPrice,  &Bar::HighPrice,
+                                                            &Bar::LowPrice, &Bar::ClosePrice, &Bar::Volume};
+  std::array<Series, 6> columns;
+  std::array<double*, 6> out;
+  for (std::size_t f = 0; f < columns.size(); ++f) {
+    columns[f] = Series::uninitialized(rows);
+    out[f] = columns[f].edit().data();
+  }
+  const std::size_t blank = bars.size() < rows ? rows - bars.size() : 0;
+  for (std::size_t i = 0; i < rows; ++i) {
+    const Bar bar = i < blank ? Bar{} : bars[bars.size() - rows + i];
+    for (std::size_t f = 0; f < kMembers.size(); ++f) out[f][i] = bar.*kMembers[f];
+  }
+  return columns;
+}
+
 bool CScriptEngine::BuildPriceFields(std::size_t row) {
   if (wholeHistory) windowLength = static_cast<std::int32_t>(bars.size()) - 1;
   const std::size_t rows = static_cast<std::size_t>(std::max(windowLength, 0));
@@ -182,22 +201,9 @@ bool CScriptEngine::BuildPriceFields(std::size_t row) {
   if (copied - 1 > rows) return false;
   ResetConstants();
 
-  // Filled from the end: the last row takes the last bar. With the whole history there is one bar more than
-  // rows, so the first bar never reaches a series.
   static constexpr std::array<std::string_view, 6> kNames = {"D", "O", "H", "L", "C", "V"};
-  static constexpr std::array<double Bar::*, 6> kMembers = {&Bar::JDate,    &Bar::OpenPrice,  &Bar::HighPrice,
-                                                            &Bar::LowPrice, &Bar::ClosePrice, &Bar::Volume};
-  std::array<Series, 6> columns;
-  std::array<double*, 6> out;
-  for (std::size_t f = 0; f < columns.size(); ++f) {
-    columns[f] = Series::uninitialized(rows);
-    out[f] = columns[f].edit().data();
-  }
-  const std::size_t blank = copied < rows ? rows - copied : 0;
-  for (std::size_t i = 0; i < rows; ++i) {
-    const Bar bar = i < blank ? Bar{} : bars[bars.size() - rows + i];
-    for (std::size_t f = 0; f < kMembers.size(); ++f) out[f][i] = bar.*kMembers[f];
-  }
+  if (!barsStand || columns_[0].size() != rows) columns_ = priceColumns(rows);
+  std::array<Series, 6> columns = barsStand ? columns_ : std::exchange(columns_, {});
   for (std::size_t f = 0; f < columns.size(); ++f) {
     fields.push_back({std::string(kNames[f]), std::move(columns[f])});
   }

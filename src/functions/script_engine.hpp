@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -150,6 +151,7 @@ class CScriptEngine {
   std::int32_t windowLength = 0;                   ///< first the lookback, then the rows of all series
   std::vector<Field> fields;                       ///< "D", "O", "H", "L", "C", "V" of the run
   RunBars bars;
+  bool barsStand = false;     ///< no bar changes from run to run, so the price series are made but once
   std::string outputSummary;  ///< name and value pairs of the last output, for the host's diagnostics
   std::uint32_t startTicks = 0;
   std::vector<std::string> outputNames;  ///< names of the series to be printed, in order of making
@@ -181,6 +183,7 @@ class CScriptEngine {
   void evaluateStatements(const std::vector<std::string>& sets, const std::string& main,
                           std::string& resultText);
   void readSourceStatements(std::string& script);
+  std::array<Series, 6> priceColumns(std::size_t rows) const;
   struct Program;
   enum class Way { kWholeHistory, kIncremental };
   std::string readProgram(std::string_view script, Way way, Program& program);
@@ -206,8 +209,9 @@ class CScriptEngine {
   std::string runStatements();
   void testTimeLimit();
 
-  std::string scriptText_;       ///< the script as handed to the driver: upper-cased, without comments
-  std::vector<Bar> madeUpBars_;  ///< of a dry run with too few bars
+  std::string scriptText_;         ///< the script as handed to the driver: upper-cased, without comments
+  std::vector<Bar> madeUpBars_;    ///< of a dry run with too few bars
+  std::array<Series, 6> columns_;  ///< of the bars, while they stand
   Series zeros_;
   int depth_ = 0;               ///< evaluations inside one another
   std::uint64_t rowsHeld_ = 0;  ///< rows of all entries that this run has made

@@ -14,7 +14,7 @@ namespace {
 /// A function of its own for each type, since the tests are short and run for every bar.
 template <int... types>
 constexpr auto typeFunctions(std::integer_sequence<int, types...>) {
-  return std::array{&typeOfLast<types>...};
+  return std::array{&typeOfLast<types, double>...};
 }
 constexpr auto kTypeOfLast = typeFunctions(std::make_integer_sequence<int, kBullishMatchingLow + 1>());
 
@@ -23,7 +23,7 @@ constexpr auto kTypeOfLast = typeFunctions(std::make_integer_sequence<int, kBull
 CandleRecogniser candleRecogniser(int requested) {
   const unsigned request = bitOf(requested);
   const auto type = static_cast<std::size_t>(request != 0 ? requested : kNoCandle);
-  return {kTypeOfLast[type], (kLongBodyTest.requestedBy & request) != 0};
+  return {kTypeOfLast[type], (kReadLongBodies & request) != 0};
 }
 
 }  // namespace brindlewort

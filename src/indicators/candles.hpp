@@ -3,6 +3,7 @@
 #include <array>
 
 #include "indicators/frame.hpp"
+#include "indicators/row_pairs.hpp"
 
 /// Candlestick patterns, told from the last three bars.
 namespace brindlewort {
@@ -45,47 +46,49 @@ inline constexpr double kBullish = 1.0;
 inline constexpr double kBearish = -1.0;
 inline constexpr double kNeutral = 0.0;
 
-/// A bar as the recogniser gets it. A missing bar has prices of 0.
+/// A bar as the recogniser gets it; X is double, or RowPair for the bars of two neighbouring rows. A missing
+/// bar has prices of 0.
+template <class X>
 struct CandleBar {
-  double open = 0.0, high = 0.0, low = 0.0, close = 0.0;
-  double longBody = NULL_VALUE;  ///< the body above which the bar is a long one; null when not known
+  X open{}, high{}, low{}, close{};
+  X longBody = spread<X>(NULL_VALUE);  ///< the body above which the bar is a long one; null when not known
 };
 
 /// Oldest first; the pattern stands at the last one.
-using CandleBars = std::array<CandleBar, 3>;
+template <class X>
+using CandleBars = std::array<CandleBar<X>, 3>;
 
 /// (x - low) / (high - low), 0 for an empty range.
-inline double shareOf(double high, double low, double x) {
-  return high == low ? 0.0 : (x - low) / (high - low);
+template <class X>
+X shareOf(X high, X low, X x) {
+  return high == low ? X() : (x - low) / (high - low);
 }
 
-/// The range of all three bars.
-struct CandleScale {
-  double highest, lowest;
-  double operator()(double price) const { return shareOf(highest, lowest, price); }
-};
-
 /// A bar under test. Its prices are told as shares of the range of all three bars, 0 the lowest low and 1 the
-/// highest high; they are divided out when a test asks for them, since most tests end early.
+/// highest high.
+template <class X>
 struct Candle {
-  const CandleBar* bar;  ///< the prices as they are
-  const CandleScale* scale;
-  int type = kNoCandle;
-  double direction = kNeutral;
-  int star = 0;         ///< 1 up, -1 down
-  bool isDoji = false;  ///< the doji test held, whatever the type became later
+  Candle(const CandleBar<X>& bar_, X highest, X lowest)
+      : bar(bar_),
+        open(shareOf(highest, lowest, bar_.open)),
+        high(shareOf(highest, lowest, bar_.high)),
+        low(shareOf(highest, lowest, bar_.low)),
+        close(shareOf(highest, lowest, bar_.close)) {}
 
-  double open() const { return (*scale)(bar->open); }
-  double high() const { return (*scale)(bar->high); }
-  double low() const { return (*scale)(bar->low); }
-  double close() const { return (*scale)(bar->close); }
+  CandleBar<X> bar;  ///< the prices as they are
+  X open, high, low, close;
+  X type = spread<X>(kNoCandle);
+  X direction = spread<X>(kNeutral);
+  X star{};          ///< 1 up, -1 down
+  Mask<X> isDoji{};  ///< the doji test held, whatever the type became later
 };
-using Candles = std::array<Candle, 3>;
+template <class X>
+using Candles = std::array<Candle<X>, 3>;
 
 /// Tells whether one type of candle stands at the last of three bars.
 struct CandleRecogniser {
   /// The type of the last candle: the requested one, one that the requested pattern is made of, or kNoCandle.
-  int (*typeOfLast)(const CandleBars& bars);
+  double (*typeOfLast)(const CandleBars<double>& bars);
   /// Whether the answer depends on `CandleBar::longBody`.
   bool readsLongBody;
 };

@@ -7,6 +7,7 @@
 #include "indicators/extremes.hpp"
 #include "indicators/moving_averages.hpp"
 #include "indicators/primes.hpp"
+#include "indicators/row_pairs.hpp"
 #include "indicators/source_rows.hpp"
 #include "indicators/windows.hpp"
 
@@ -15,17 +16,17 @@ namespace {
 
 // ---- Fractals -----------------------------------------------------------------------------------------
 
-/// Whether row i - 2 is the top of the rows i - 4 to i.
-template <double (*read)(double)>
-bool isTop(View high, Count i) {
-  const double h3 = read(high[i - 2]);
-  return read(high[i - 4]) < h3 && read(high[i - 3]) < h3 && read(high[i - 1]) <= h3 && read(high[i]) <= h3;
+/// Whether the row 2 back is the top of five rows; high(k) is the row k back.
+template <class Row>
+auto isTop(Row high) {
+  const auto h3 = high(2);
+  return all(high(4) < h3, high(3) < h3, high(1) <= h3, high(0) <= h3);
 }
-/// Whether row i - 2 is the bottom of the rows i - 4 to i.
-template <double (*read)(double)>
-bool isBottom(View low, Count i) {
-  const double l3 = read(low[i - 2]);
-  return read(low[i - 4]) > l3 && read(low[i - 3]) > l3 && read(low[i - 1]) >= l3 && read(low[i]) >= l3;
+/// Whether the row 2 back is the bottom of five rows.
+template <class Row>
+auto isBottom(Row low) {
+  const auto l3 = low(2);
+  return all(low(4) > l3, low(3) > l3, low(1) >= l3, low(0) >= l3);
 }
 
 // ---- Primes -------------------------------------------------------------------------------------------
@@ -178,10 +179,12 @@ void FractalChaosOscillator(const Prices& prices, Count, Out out) {
   const Count n = prices.rows();
   std::fill(out.begin(), out.end(), 0.0);
   // Five bars behind the filler bar.
-  for (Count i = 5; i < n; ++i) {
-    if (isTop<nz>(prices.high, i)) out[i] = 1.0;
-    if (isBottom<asItStands>(prices.low, i)) out[i] = -1.0;
-  }
+  fillRows(5, n, out, [&]<class X>(RowReader<X> at) {
+    const Mask<X> top = isTop([&](Count back) { return nz(at(prices.high, back)); });
+    const Mask<X> bottom = isBottom([&](Count back) { return at(prices.low, back); });  // a null as it stands
+    const X topOrNone = top ? spread<X>(1.0) : X();
+    return bottom ? spread<X>(-1.0) : topOrNone;
+  });
 }
 
 void PrimeNumberOscillator(View in, Out out) {
@@ -250,7 +253,9 @@ namespace CTechnicalFunctions {
 Status FractalChaosOscillator(const PriceSources& prices, Count, Target out) {
   const Count n = commonRows(prices.high.rows, {prices.low.rows, out.rows});
   return computeRows(out, 4, n, [&](Count i) {
-    return isTop<nz>(prices.high.rows, i) ? 1.0 : isBottom<nz>(prices.low.rows, i) ? -1.0 : 0.0;
+    const bool top = isTop([&](Count back) { return nz(prices.high.rows[i - back]); });
+    const bool bottom = isBottom([&](Count back) { return nz(prices.low.rows[i - back]); });
+    return top ? 1.0 : bottom ? -1.0 : 0.0;
   });
 }
 

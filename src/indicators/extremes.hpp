@@ -1,10 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <limits>
 #include <vector>
 
 #include "indicators/frame.hpp"
+#include "indicators/row_pairs.hpp"
 
 /// Rolling extremes, told exactly as a plain scan of each window tells them.
 namespace brindlewort {
@@ -14,7 +16,7 @@ inline double asItStands(double x) {
 }
 
 /// The best of the p rows that end at a row which moves on one by one. The answers are those of this scan,
-/// oldest row first, at a cost that does not grow with p:
+/// oldest row first, at a cost that grows with the logarithm of p alone:
 ///
 ///   best = seed;  for each row x of the window: if (Beats(x, best)) best = x;
 ///
@@ -24,46 +26,65 @@ template <class Beats, double (*read)(double)>
 class RollingExtreme {
  public:
   /// The first window ends at row `first`; first - p + 1 is a row of `rows`.
-  RollingExtreme(View rows, Count p, Count first)
-      : rows_(rows), p_(p), next_(first - p + 1), tails_(static_cast<std::size_t>(p), kWorst) {}
+  RollingExtreme(View rows, Count p, Count first) : rows_(rows), p_(p), first_(first), end_(first) {}
 
   /// Moves the window on to end at row i; i never falls.
   void slideTo(Count i) {
-    while (next_ <= i) take(next_++);
+    row_ = i;
+    if (i >= end_) formWindows();
   }
   /// The scan's answer from a given seed.
-  double from(double seed) const { return better(seed, better(tails_[taken_], head_)); }
+  double from(double seed) const { return better(seed, bests_[static_cast<std::size_t>(row_ - first_)]); }
   /// The scan's answer when it starts from the oldest row of the window.
-  double fromOldest() const { return from(at(next_ - p_)); }
+  double fromOldest() const { return from(at(row_ - p_ + 1)); }
 
  private:
   // Beaten by every number that any seed could be beaten by.
   static constexpr double kWorst =
       Beats{}(1.0, 0.0) ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+  /// Windows formed together, unless p is more or fewer rows are left.
+  static constexpr Count kWindows = 256;
 
-  static double better(double older, double newer) { return Beats{}(newer, older) ? newer : older; }
+  template <class X>
+  static X better(X older, X newer) {
+    return Beats{}(newer, older) ? newer : older;
+  }
   double at(Count row) const { return read(rows_[static_cast<std::size_t>(row)]); }
 
-  // The rows are cut into blocks of p. A window is the tail of one block and the head of the next: the bests
-  // of all tails are formed once a block, that of the head grows with it.
-  void take(Count row) {
-    head_ = better(head_, at(row));
-    if (++taken_ < tails_.size()) return;
-    double best = kWorst;
-    for (std::size_t k = tails_.size(); k-- > 0; --row) {
-      best = better(better(kWorst, at(row)), best);
-      tails_[k] = best;
+  /// Forms the bests of the windows that end at row_ and behind it. The bests of 2, 4, 8 ... rows are formed
+  /// from two of half as many each; two of those that overlap make up a window.
+  void formWindows() {
+    const Count windows = std::min(std::max(kWindows, p_), rowsOf(rows_) - row_);
+    first_ = row_;
+    end_ = row_ + windows;
+    const Count oldest = row_ - p_ + 1;
+    bests_.resize(static_cast<std::size_t>(windows + p_ - 1));
+    for (Count j = 0; j < rowsOf(bests_); ++j) bests_[j] = better(kWorst, at(oldest + j));
+    Count width = 1;
+    for (; 2 * width <= p_; width *= 2) joinWith(width);
+    if (width < p_) joinWith(p_ - width);
+  }
+
+  /// Each best becomes that of its own rows and those of the best `distance` rows behind it.
+  void joinWith(Count distance) {
+    double* const bests = bests_.data();
+    const Count last = rowsOf(bests_) - distance;
+    Count j = 0;
+    for (; j + 1 < last; j += 2) {
+      const RowPair older = {bests[j], bests[j + 1]};
+      const RowPair newer = {bests[j + distance], bests[j + distance + 1]};
+      const RowPair both = better(older, newer);
+      bests[j] = both[0];
+      bests[j + 1] = both[1];
     }
-    head_ = kWorst;
-    taken_ = 0;
+    if (j < last) bests[j] = better(bests[j], bests[j + distance]);
   }
 
   View rows_;
   Count p_;
-  Count next_;
-  std::vector<double> tails_;  // [k]: the best of the rows from k on of the last whole block
-  double head_ = kWorst;       // the best of the rows taken of the present block
-  std::size_t taken_ = 0;
+  Count row_ = 0;              // the window ends here
+  Count first_, end_;          // the windows formed end at these rows, the last excluded
+  std::vector<double> bests_;  // [k]: the best of the window that ends at row first_ + k
 };
 
 template <double (*read)(double) = asItStands>

@@ -5,6 +5,7 @@
 #include "indicators/flag_sums.hpp"
 #include "indicators/moving_averages.hpp"
 #include "indicators/regression.hpp"
+#include "indicators/row_pairs.hpp"
 #include "indicators/source_rows.hpp"
 
 // Correlation, historical volatility and the trend classifiers.
@@ -30,12 +31,19 @@ double direction(double value, double base) {
   return base * 0.995 <= value ? kSideways : kDown;
 }
 
-/// The state of TRENDSCORE. Equal values repeat the state of the row before, and give 1 on the first row.
-double trendState(View in, Count p, Count i, Count firstRow, View states) {
-  const double now = nz(in[i]), before = nz(in[i - p]);
-  if (now > before) return 1.0;
-  if (now < before) return -1.0;
-  return i == firstRow ? 1.0 : states[i - 1];
+/// The states of TRENDSCORE over rows [start, n). Equal values repeat the state of the row before, and give 1
+/// on the first row.
+void trendStates(View in, Count p, Count start, Count n, Count firstRow, Out states) {
+  constexpr double kEqual = 0.0;
+  fillRows(start, n, states, [=]<class X>(RowReader<X> at) {
+    const X now = nz(at(in)), before = nz(at(in, p));
+    const X downOrEqual = now < before ? spread<X>(-1.0) : spread<X>(kEqual);
+    return now > before ? spread<X>(1.0) : downOrEqual;
+  });
+  for (Count i = start; i < n; ++i) {
+    if (states[i] == kEqual) [[unlikely]]
+      states[i] = i == firstRow ? 1.0 : states[i - 1];
+  }
 }
 
 /// Flags each row from `first` on whose last `steps` steps all satisfy `step(before, now)`.
@@ -95,7 +103,7 @@ void TRENDSCORE(View in, Count p, Count count, Out out) {
   const Count firstRow = firstValueIndex(in) + p;
   if (firstRow + count >= n) return;
   std::vector<double> states = nullRows(in.size());
-  for (Count i = firstRow; i < n; ++i) states[i] = trendState(in, p, i, firstRow, states);
+  trendStates(in, p, firstRow, n, firstRow, states);
   sumFlags(states, count, firstRow + count - 1, n, out);
 }
 
@@ -145,7 +153,8 @@ Status TRENDSCORE(WorkStore& store, Source in, Count p, Count count, Target out)
   const Count firstRow = firstValueIndex(in.rows) + p;
   if (*out.slot == -1 && firstRow + count >= n) return kNothingDone;
   const WorkField states = store.field("TrendScore", {in, p, count});
-  computeRows(states, firstRow, n, [=](Count i) { return trendState(in.rows, p, i, firstRow, states.rows); });
+  trendStates(in.rows, p, startRow(states, firstRow), n, firstRow, states.rows);
+  if (startRow(states, firstRow) < n) finish(states, n);
   const Count start = startRow(out, firstRow + count - 1);
   if (start >= n) return kNothingDone;
   sumFlags(states.rows, count, start, n, out.rows);

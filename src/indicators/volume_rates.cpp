@@ -2,6 +2,7 @@
 
 #include "indicators/moving_averages.hpp"
 #include "indicators/price_bases.hpp"
+#include "indicators/row_pairs.hpp"
 #include "indicators/source_rows.hpp"
 #include "indicators/volume.hpp"
 
@@ -12,7 +13,8 @@ namespace brindlewort {
 namespace {
 
 /// The change of a value in percent of its base.
-double percentOf(double base, double value) {
+template <class X>
+X percentOf(X base, X value) {
   return (value - base) / base * 100.0;
 }
 
@@ -64,11 +66,11 @@ void ChaikinVolatility(const Prices& prices, Count p, Count rateOfChange, Count 
 void PriceRateOfChange(View in, Count p, Out out) {
   const Count n = rowsOf(in);
   if (!batchRange(p, n)) return;
-  for (Count i = p + 1; i < n; ++i) {
-    const double base = nz(in[i - p]);
-    const double change = percentOf(base, nz(in[i]));
-    out[i] = base > 0.0 ? change : NULL_VALUE;
-  }
+  fillRows(p + 1, n, out, [=]<class X>(RowReader<X> at) {
+    const X base = nz(at(in, p));
+    const X change = percentOf(base, nz(at(in)));
+    return base > 0.0 ? change : spread<X>(NULL_VALUE);
+  });
 }
 
 void VolumeRateOfChange(View in, Count p, Out out) {
@@ -141,10 +143,11 @@ Status PriceRateOfChange(Source in, Count p, Target out) {
   if (!resumableRange(p, n)) return kNothingDone;
   const Count start = startRow(out, firstValueIndex(in.rows) + p);
   if (start >= n) return kNothingDone;
-  for (Count i = start; i < n; ++i) {
-    const double base = nz(in.rows[i - p]);
-    out.rows[i] = base == 0.0 ? 0.0 : percentOf(base, nz(in.rows[i]));
-  }
+  fillRows(start, n, out.rows, [=]<class X>(RowReader<X> at) {
+    const X base = nz(at(in.rows, p));
+    const X change = percentOf(base, nz(at(in.rows)));
+    return base == 0.0 ? X() : change;
+  });
   return finish(out, n);
 }
 

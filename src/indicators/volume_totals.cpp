@@ -1,3 +1,4 @@
+#include "indicators/row_pairs.hpp"
 #include "indicators/source_rows.hpp"
 #include "indicators/volume.hpp"
 
@@ -15,13 +16,23 @@ double carried(double total) {
   return total;
 }
 
-/// On-balance volume over rows [first, last), `total` being the total before them, or a null.
+bool moves(View in, Count i) {
+  return nz(in[i]) > nz(in[i - 1]) || nz(in[i]) < nz(in[i - 1]);
+}
+
+/// On-balance volume over rows [first, last), `total` being the total before them, or a null. First the
+/// signed volumes, which do not wait for each other; a price that does not move adds -0.0, which changes no
+/// total.
 void balance(View in, View volume, double total, Count first, Count last, Out out) {
+  fillRows(first, last, out, [=]<class X>(RowReader<X> at) {
+    const X now = nz(at(in)), before = nz(at(in, 1)), size = at(volume);
+    const X downOrNone = now < before ? -1.0 * size : spread<X>(-0.0);
+    return now > before ? size : downOrNone;
+  });
   for (Count i = first; i < last; ++i) {
-    const double now = nz(in[i]), before = nz(in[i - 1]);
-    const int direction = (now > before) - (now < before);
-    if (direction != 0) total = carried(total) + direction * volume[i];
-    out[i] = total;
+    if (isNull(total) && moves(in, i)) [[unlikely]]
+      total = 0.0;
+    out[i] = total += out[i];
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "indicators/frame.hpp"
+#include "indicators/row_pairs.hpp"
 
 /// Windows that are added afresh for each row. Rows are worked in blocks side by side, in vector registers,
 /// while each row keeps its own order of additions: the bits are those of the plain double loop.
@@ -10,9 +11,6 @@ enum class WindowOrder { kOldestFirst, kNewestFirst };
 
 /// Rows worked side by side by sumWindows.
 inline constexpr Count kRowBlock = 8;
-
-/// Two neighbouring rows in one vector register; its arithmetic is that of two doubles.
-using RowPair [[gnu::vector_size(16)]] = double;
 
 /// The distance from the newest row at a step through a window of p rows.
 template <WindowOrder order>

@@ -206,15 +206,53 @@ TEST(CandlestickBatch, EqualsTheSlowTwinForEveryShapeLengthAndId) {
   }
 }
 
+void expectRowsAreJudgedLikeTheirBars(const PriceRows& p) {
+  for (int id = -1; id <= 30; ++id) {
+    const Rows rows = batchRows(p, id);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      ASSERT_EQ(batchTwin(p, i + 1, id) == id ? 1.0 : 0.0, rows[i]) << "id " << id << " row " << i;
+    }
+  }
+}
+
 TEST(CandlestickBatch, ARowIsJudgedAsTheBarsUpToItAre) {
   for (Shape shape : kAllShapes) {
-    const PriceRows p = mixedPrices(shape, 70);
-    for (int id = -1; id <= 30; ++id) {
-      const Rows rows = batchRows(p, id);
-      for (std::size_t i = 0; i < rows.size(); ++i) {
-        ASSERT_EQ(batchType(firstRows(p, i + 1), id) == id ? 1.0 : 0.0, rows[i])
-            << "id " << id << " row " << i;
-      }
+    expectRowsAreJudgedLikeTheirBars(makePrices(shape, 71));
+    expectRowsAreJudgedLikeTheirBars(mixedPrices(shape, 70));
+  }
+}
+
+/// A bar of the made-up candles, shifted, or one of prices that no market has.
+Bar4 wildBar(Random& random, bool usable) {
+  constexpr double kWild[] = {kNull, 1e308, -1e308, 5e-324, 100, 100.5, INFINITY, -INFINITY, NAN, -0.0, 0.0};
+  constexpr int kUsable = 9;
+  Bar4 bar =
+      kFiring[static_cast<std::size_t>(random.below(static_cast<int>(kFiring.size())))].bars[random.below(3)];
+  for (double* x : {&bar.O, &bar.H, &bar.L, &bar.C}) {
+    if (random.below(12) == 0) *x = kWild[random.below(usable ? kUsable : kUsable + 2)];
+  }
+  if (random.below(8) == 0) bar.O = bar.H = bar.L = bar.C;
+  return bar;
+}
+
+TEST(CandlestickBatch, RowsOfWildPricesAreJudgedAsTheBarsUpToThemAre) {
+  Random random(20);
+  for (int round = 0; round < 40; ++round) {
+    PriceRows p;
+    // Usable bars alone, also with a pair's second row missing at the end, and mixed with others.
+    for (int i = 0; i < 60 + round % 2; ++i) add(p, wildBar(random, round % 4 < 2));
+    expectRowsAreJudgedLikeTheirBars(p);
+  }
+}
+
+TEST(CandlestickBatch, EveryPatternStandsAtTheRowWhereItIsMade) {
+  for (const MadeUp& made : kFiring) {
+    for (int quiet : {0, 1, 2, 17, 18, 19, 20, 21}) {
+      PriceRows p;
+      add(p, kQuiet, quiet);
+      for (const Bar4& bar : made.bars) add(p, bar);
+      add(p, kQuiet, 2);
+      expectRowsAreJudgedLikeTheirBars(p);
     }
   }
 }

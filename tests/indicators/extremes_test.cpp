@@ -43,6 +43,24 @@ TEST(RollingExtreme, IsThePlainScanOfEachWindow) {
   }
 }
 
+TEST(RollingExtreme, IsThePlainScanWhereWindowsAreFormedAgainAndAgain) {
+  const int rows = 1500;  // several times as many as are formed together
+  const Rows in = mixedSeries(rows, 77);
+  for (Count p : {1, 2, 5, 8, 14, 64, 255, 256, 257, 700}) {
+    RollingHigh<nz> high(in, p, p - 1);
+    RollingLow<> low(in, p, p - 1);
+    for (Count i = p - 1; i < rows; ++i) {
+      high.slideTo(i);
+      low.slideTo(i);
+      double highest = 0.0;
+      for (Count j = i - p + 1; j <= i; ++j) highest = nz(in[j]) > highest ? nz(in[j]) : highest;
+      ASSERT_TRUE(sameBits(highest, high.from(0.0))) << p << " row " << i;
+      ASSERT_TRUE(sameBits(scan<std::less<>>(in, p, i, in[i - p + 1]), low.fromOldest()))
+          << p << " row " << i;
+    }
+  }
+}
+
 TEST(RollingExtreme, StartsAtAnyRowAndMaySkipRows) {
   const Rows in = mixedSeries(60, 5);
   RollingHigh<> high(in, 4, 30);

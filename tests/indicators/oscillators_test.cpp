@@ -445,6 +445,18 @@ TEST(VerticalHorizontalFilter, IsTheRuleOnAllInputs) {
   });
 }
 
+TEST(VerticalHorizontalFilter, IsTheRuleOverManyRows) {
+  // More rows, and a window of more rows, than are worked together.
+  for (Shape shape : {Shape::kWalk, Shape::kNullGaps, Shape::kSteps, Shape::kNegative}) {
+    const Rows in = makePrices(shape, 5000).close;
+    for (Count p : {1, 14, 2100}) {
+      const Count first = firstValueIndex(in) + p - 1;
+      EXPECT_TRUE(sameRows(filterTwin(in, p, p + 1, p + 2, true), batchFilter(in, p))) << p;
+      EXPECT_TRUE(sameRows(filterTwin(in, p, first, first, false), runLiving(in, livingFilter(p)).rows)) << p;
+    }
+  }
+}
+
 TEST(VerticalHorizontalFilter, Streams) {
   expectStreams(livingFilter(5));
 }

@@ -135,6 +135,19 @@ TEST(OnBalanceVolume, ANullVolumeIsANumberLikeAnyOther) {
   EXPECT_EQ(runResumable(bars, resumedBalance)[2], 150 + kNull);
 }
 
+TEST(OnBalanceVolume, IsTheRuleOverWildRows) {
+  constexpr double kWild[] = {kNull, kNaN, kInf, -kInf, 0.0, -0.0, 1, 2, 3, -1, kNull, 2};
+  Random random(8);
+  for (int round = 0; round < 200; ++round) {
+    PriceRows bars = pointPrices(Rows(41, 1.0), Rows(41, 1.0));
+    for (double& x : bars.close) x = kWild[random.below(12)];
+    // Mostly numbers: after a non-number or an infinity the total says little.
+    for (double& x : bars.volume) x = kWild[random.below(8) == 0 ? random.below(12) : 4 + random.below(6)];
+    ASSERT_TRUE(sameRows(balanceTwin(bars, true), runBatch(bars, balance))) << "round " << round;
+    ASSERT_TRUE(sameRows(balanceTwin(bars, false), runResumable(bars, resumedBalance))) << "round " << round;
+  }
+}
+
 // ---- Price volume trend -------------------------------------------------------------------------------
 
 TEST(PriceVolumeTrend, ByHand) {

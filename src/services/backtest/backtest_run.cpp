@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "series/numbers.hpp"
-#include "series/text.hpp"
 #include "services/backtest/report.hpp"
 #include "services/backtest/trade_simulation.hpp"
 #include "services/output/output_worker.hpp"
@@ -13,14 +11,6 @@ namespace brindlewort {
 namespace {
 
 constexpr std::size_t kLongestScript = 63'999;
-constexpr std::string_view kListMark = "EVENT_LIST:";
-
-std::string wholeHistoryEvents(CScriptEngine& engine, std::string_view script) {
-  engine.eventListMode = true;
-  std::string list = outputText(engine, script, 0, "");
-  engine.eventListMode = false;
-  return list;
-}
 
 void nothingToPrepare(CScriptEngine&, std::string_view, bool) {}
 
@@ -38,25 +28,6 @@ void prepareIncremental(CScriptEngine& engine, std::string_view script, bool fir
   }
 }
 
-std::string incrementalEvents(CScriptEngine& engine, std::string_view script) {
-  engine.eventListMode = true;
-  std::string list = preparedOutputText(engine, script, 0, "");
-  engine.eventListMode = false;
-  return list;
-}
-
-/// A record for each bar of the list. The first bar never signals.
-void appendSignals(std::vector<SignalRecord>& signals, std::string_view list, TradeCode type,
-                   const RunBars& bars) {
-  const std::int64_t barCount = static_cast<std::int64_t>(bars.size());
-  for (std::size_t comma; (comma = list.find(',')) != std::string_view::npos; list.remove_prefix(comma + 1)) {
-    const std::int64_t row = std::int64_t{parseInt32(list.substr(0, comma))} - 1;
-    if (row <= 0 || row >= barCount) continue;
-    const Bar& bar = bars[static_cast<std::size_t>(row)];
-    signals.push_back({static_cast<std::int32_t>(row) + 1, type, type, bar.JDate, bar.ClosePrice});
-  }
-}
-
 /// The signals of one backtest, script by script.
 class SignalCollector {
  public:
@@ -68,8 +39,8 @@ class SignalCollector {
     const std::size_t before = signals_.size();
     way_.prepare(engine_, script, type == kTradeLong);
     if (failed() || script.empty() || script.size() > kLongestScript) return 0;
-    const std::string list = way_.runEvents(engine_, script);
-    if (!failed()) append(list, type);
+    const std::vector<std::int32_t> events = way_.runEvents(engine_, script);
+    if (!failed()) append(events, type);
     return signals_.size() - before;
   }
 
@@ -85,11 +56,14 @@ class SignalCollector {
   std::vector<SignalRecord> take() { return std::move(signals_); }
 
  private:
-  void append(const std::string& list, TradeCode type) {
-    if (contains(list, kListMark)) {
-      appendSignals(signals_, replaceAll(list, kListMark, ""), type, engine_.bars);
-    } else {
-      appendSignals(signals_, list, type, engine_.bars);
+  /// A record for each bar. The first bar never signals.
+  void append(const std::vector<std::int32_t>& numbers, TradeCode type) {
+    signals_.reserve(signals_.size() + numbers.size());
+    const std::int64_t barCount = static_cast<std::int64_t>(engine_.bars.size());
+    for (const std::int32_t number : numbers) {
+      if (number <= 1 || number > barCount) continue;
+      const Bar& bar = engine_.bars[static_cast<std::size_t>(number) - 1];
+      signals_.push_back({number, type, type, bar.JDate, bar.ClosePrice});
     }
   }
 
@@ -111,13 +85,14 @@ class SignalCollector {
 
 }  // namespace
 
-const ScriptWay kWholeHistoryWay = {2, nothingToPrepare, wholeHistoryEvents};
-const ScriptWay kIncrementalWay = {0, prepareIncremental, incrementalEvents};
+const ScriptWay kWholeHistoryWay = {2, nothingToPrepare, eventBars};
+const ScriptWay kIncrementalWay = {0, prepareIncremental, preparedEventBars};
 
 BacktestRun runBacktest(CScriptEngine& engine, const ScriptWay& way, const BacktestRequest& request,
                         std::int64_t seed) {
   BacktestRun run;
   run.fillers = way.fillers;
+  engine.barsStand = true;
   SignalCollector collector(engine, way);
   run.buys = collector.run(request.buyScript, kTradeLong);
   run.sells = collector.run(request.sellScript, kTradeShort);

@@ -46,9 +46,9 @@ struct ScriptWay {
   std::int32_t fillers;  ///< 2 at most
   /// Called before each script is run, the buy script's call being the `first`. An error goes to `errorText`.
   void (*prepare)(CScriptEngine& engine, std::string_view script, bool first);
-  /// The numbers of the bars on which a script fired, from 1, each with "," behind it. An error of the script
-  /// goes to `errorText`; any other message holds no comma.
-  std::string (*runEvents)(CScriptEngine& engine, std::string_view script);
+  /// The numbers of the bars on which a script fired, from 1. An error of the script goes to `errorText`;
+  /// after any other message there are none.
+  std::vector<std::int32_t> (*runEvents)(CScriptEngine& engine, std::string_view script);
 
   /// A run needs one bar of the host.
   std::size_t leastBars() const { return static_cast<std::size_t>(fillers) + 1; }

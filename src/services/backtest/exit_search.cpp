@@ -34,37 +34,39 @@ struct ShortSide {
   static double above(double percent, double price) { return (100.0 - percent) * price / 100.0; }
 };
 
+/// What no price is at, above or below: the level of a rule that is off.
+constexpr double kNoLevel = std::numeric_limits<double>::quiet_NaN();
+
 /// An open position and its levels, in the direction of its side.
 template <class Side>
 class Position {
  public:
   Position(const BacktestParams& params, double entryPrice)
-      : takesProfit_(params.takesProfit()),
-        stops_(params.stops()),
-        trails_(params.trails()),
-        price_(Side::turned(entryPrice)),
-        stop_(Side::turned(Side::below(params.StopLossPct, entryPrice))),
-        target_(Side::turned(Side::above(params.ProfitTargetPct, entryPrice))),
-        trail_(stop_) {}
+      : price_(Side::turned(entryPrice)),
+        stop_(params.stops() ? Side::turned(Side::below(params.StopLossPct, entryPrice)) : kNoLevel),
+        target_(params.takesProfit() ? Side::turned(Side::above(params.ProfitTargetPct, entryPrice))
+                                     : kNoLevel),
+        trail_(params.trails() ? stop_ : kNoLevel),
+        isGuarded_(params.takesProfit() || params.stops()),
+        trails_(params.trails()) {}
 
-  bool isGuarded() const { return takesProfit_ || stops_; }
+  bool isGuarded() const { return isGuarded_; }
 
   /// Moves the trail over a bar. The rule that closes the position on it, or kTradeNone.
   TradeCode meet(const Bar& bar) {
-    const double worst = Side::worst(bar);
-    if (trails_) trail_ = trailBehind(Side::best(bar));
-    if (takesProfit_ && Side::best(bar) >= target_) return kTradeProfit;
-    if (trails_ && stop_ != trail_ && worst <= trail_) return kTradeTrailingStop;
-    if (stops_ && worst <= stop_) return kTradeStopLoss;
-    return kTradeNone;
+    const double best = Side::best(bar), worst = Side::worst(bar);
+    trail_ = trailBehind(best);
+    const bool reached = best >= target_, stopped = worst <= stop_;
+    const bool trailed = (worst <= trail_) & (stop_ != trail_);
+    if (!(reached | trailed | stopped)) return kTradeNone;  // most bars: one branch, which is foreseen
+    return reached ? kTradeProfit : trailed ? kTradeTrailingStop : kTradeStopLoss;
   }
 
   /// Moves the trail over a block of bars when surely none of them closes the position; else false, and the
   /// bars must be met one by one.
   bool passes(const PriceRange& range) {
     const double worst = Side::worst(range);
-    if (takesProfit_ && Side::best(range) >= target_) return false;
-    if (stops_ && worst <= stop_) return false;
+    if (Side::best(range) >= target_ || worst <= stop_) return false;
     if (!trails_) return true;
     if (worst <= trail_) return false;
     const double trail = trailBehind(Side::best(range));
@@ -93,8 +95,8 @@ class Position {
     return Side::setback(range) < price_ - stop_ - slack;
   }
 
-  bool takesProfit_, stops_, trails_;
   double price_, stop_, target_, trail_;
+  bool isGuarded_, trails_;
 };
 
 /// The number of the first bar that is too long after the entry; beyond all bars when the rule is off.
@@ -157,6 +159,14 @@ bool ExitSearch::findExit(std::int32_t firstBar, std::int32_t lastBar, SignalRec
   entry.JDate = bars_[row].JDate;
   entry.Signal = rule;
   return true;
+}
+
+void ExitSearch::expectSearchFrom(std::int32_t bar) const {
+  constexpr std::size_t kBars = 6;  // from there on the processor fetches by itself
+  const std::size_t first = static_cast<std::size_t>(bar);
+  for (std::size_t row = first; row < std::min(first + kBars, bars_.size()); ++row) {
+    __builtin_prefetch(&bars_[row].HighPrice);
+  }
 }
 
 bool ExitSearch::FindExit(std::int32_t firstBar, std::int32_t lastBar, SignalRecord& entry) {

@@ -30,6 +30,10 @@ class ExitSearch {
   /// entry its own exit: bar, date, price and reason. Its TradeType stays. False when no test hits.
   bool FindExit(std::int32_t firstBar, std::int32_t lastBar, SignalRecord& entry);
 
+  /// Has the memory behind a bar fetched, from which a search will soon start: searches are short and start
+  /// far from each other, so that most of their time would be waiting.
+  void expectSearchFrom(std::int32_t bar) const;
+
  private:
   template <class Side>
   bool findExit(std::int32_t firstBar, std::int32_t lastBar, SignalRecord& entry);

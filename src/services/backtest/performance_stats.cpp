@@ -57,25 +57,25 @@ struct Drawdown {
   }
 };
 
-/// Quotients of 15-bit numbers by the shuffle's divisors without dividing: x / d is x * (2^32 / d + 1) /
-/// 2^32, cut, for all x and d below 2^15.
-std::vector<std::uint64_t> shuffleFactors(std::size_t rows) {
-  std::vector<std::uint64_t> factors;
+/// Quotients of 15-bit numbers by the shuffle's divisors without dividing: x / d is x * (2^31 / d + 1) /
+/// 2^31, cut, for all x and d below 2^15.
+std::vector<std::uint32_t> shuffleFactors(std::size_t rows) {
+  std::vector<std::uint32_t> factors;
   factors.reserve(rows);
-  for (std::size_t rest = rows; rest-- > 1;) {
-    const std::uint64_t divisor = static_cast<std::uint64_t>(platform::Random15::kMax) / rest;
-    factors.push_back((std::uint64_t{1} << 32) / divisor + 1);
+  for (std::uint32_t rest = static_cast<std::uint32_t>(rows); rest-- > 1;) {
+    const std::uint32_t divisor = static_cast<std::uint32_t>(platform::Random15::kMax) / rest;
+    factors.push_back((std::uint32_t{1} << 31) / divisor + 1);
   }
   return factors;
 }
 
 /// Shuffles the rows and walks over them; a row is final as soon as its turn in the shuffle has passed.
-void shuffleAndWalk(std::vector<double>& rows, const std::vector<std::uint64_t>& factors,
+void shuffleAndWalk(std::vector<double>& rows, const std::vector<std::uint32_t>& factors,
                     platform::Random15& random, Drawdown& drawdown) {
   const std::size_t n = rows.size();
   for (std::size_t i = 0; i < factors.size(); ++i) {
     const std::uint64_t drawn = static_cast<std::uint64_t>(random.next());
-    const std::size_t j = i + static_cast<std::size_t>(drawn * factors[i] >> 32);
+    const std::size_t j = i + static_cast<std::size_t>(drawn * factors[i] >> 31);
     std::swap(rows[i], rows[j < n ? j : i]);  // with itself, where there is no exchange: no branch to guess
     drawdown.add(rows[i]);
   }
@@ -176,7 +176,7 @@ double MonteCarloDrawdown(View values, platform::Random15& random) {
   Drawdown ofFixed;
   for (const double x : values.first(values.size() - moving)) ofFixed.add(x);
   const View tail = values.last(moving);
-  const std::vector<std::uint64_t> factors = shuffleFactors(moving);
+  const std::vector<std::uint32_t> factors = shuffleFactors(moving);
   std::vector<double> rows;
   double lowest = 0.0;
   for (int run = 0; run < kShuffles; ++run) {

@@ -1,5 +1,9 @@
 #include "services/backtest/report.hpp"
 
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
 #include "series/julian_date.hpp"
 #include "series/numbers.hpp"
 
@@ -41,18 +45,32 @@ constexpr StatisticLine kLines[] = {
     {"Calmar ratio: ", "calmarRatio", [](S s) { return s.calmarRatio; }, 8, ""},
 };
 
+/// "," and the number of a bar, and the end of the line.
+void appendBarNumber(std::string& text, std::int32_t number) {
+  char piece[16] = {','};
+  char* const end = std::to_chars(piece + 1, std::end(piece) - kLineEnd.size(), number).ptr;
+  text.append(piece, std::copy(kLineEnd.begin(), kLineEnd.end(), end));
+}
+
 void appendTradeLog(std::string& text, std::span<const SignalRecord> records, std::int32_t fillers) {
-  for (const SignalRecord& record : records) {
-    appendDateTimeText(text, record.JDate);
+  std::size_t dateAt = 0, dateEnd = 0;
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const SignalRecord& record = records[i];
+    const std::size_t line = text.size();
+    if (i > 0 && record.JDate == records[i - 1].JDate) {  // an exit and an entry on one bar
+      text.append(text, dateAt, dateEnd - dateAt);
+    } else {
+      appendDateTimeText(text, record.JDate);
+    }
+    dateAt = line;
+    dateEnd = text.size();
     text += ',';
     const std::string_view label = tradeLabel(record.Signal);
     if (!label.empty()) {
       text += label;
       appendFixed(text, record.Price, 4);
     }
-    text += ',';
-    text += std::to_string(hostBarNumber(record, fillers));
-    text += kLineEnd;
+    appendBarNumber(text, hostBarNumber(record, fillers));
   }
 }
 

@@ -78,6 +78,7 @@ std::vector<SignalRecord> pairSignals(const std::vector<SignalRecord>& sorted, c
   ExitSearch search(bars, params);
   RecordsOfType longExits(sorted, kTradeExitLong);
   RecordsOfType shortExits(sorted, kTradeExitShort);
+  constexpr std::size_t kExpected = 6;  // so far ahead lies an entry two or three trades from here
   // Without an exit signal the walk ends one bar before the data's last.
   const std::int32_t defaultLastBar = static_cast<std::int32_t>(bars.size()) - 1;
   for (std::size_t i = 0; i < sorted.size();) {
@@ -86,6 +87,7 @@ std::vector<SignalRecord> pairSignals(const std::vector<SignalRecord>& sorted, c
       ++i;
       continue;
     }
+    if (i + kExpected < sorted.size()) search.expectSearchFrom(sorted[i + kExpected].BarIndex);
     const bool isLong = entry.TradeType == kTradeLong;
     const SignalRecord* signal = (isLong ? longExits : shortExits).firstAfter(i);
     SignalRecord exit = entry;

@@ -80,14 +80,30 @@ void appendHeading(std::string& text, const std::vector<OutputColumn>& columns) 
   text += kLineEnd;
 }
 
-/// The numbers of the rows where the main result is exactly 1, from the lookback on, `step` further.
-std::string eventList(View rows, std::int32_t lookback, std::size_t step) {
-  std::string list;
-  for (std::size_t i = static_cast<std::size_t>(lookback); i <= rows.size(); ++i) {
-    if (rows[i - 1] == 1.0) list += std::to_string(i + step) + ",";
+/// The rows where the main result of a run is exactly 1, from the lookback on. Bars are numbered `step`
+/// further than rows.
+struct Events {
+  View rows;
+  std::int32_t lookback = 0;
+  std::size_t step = 0;
+
+  template <class Use>
+  void forEachBar(Use use) const {
+    for (std::size_t i = static_cast<std::size_t>(lookback); i <= rows.size(); ++i) {
+      if (rows[i - 1] == 1.0) use(i + step);
+    }
   }
-  return list;
-}
+  std::string text() const {
+    std::string list;
+    forEachBar([&list](std::size_t bar) { list += std::to_string(bar) + ","; });
+    return list;
+  }
+  std::vector<std::int32_t> bars() const {
+    std::vector<std::int32_t> list;
+    forEachBar([&list](std::size_t bar) { list.push_back(static_cast<std::int32_t>(bar)); });
+    return list;
+  }
+};
 
 std::string prepare(CScriptEngine& engine, std::string_view script) {
   engine.wholeHistory = true;
@@ -125,17 +141,34 @@ std::string runForOutput(CScriptEngine& engine, std::string_view hostScript, std
   return text;
 }
 
+namespace {
+
+/// Runs a script for its events; the text is what ends the work, or empty.
+std::string runForEvents(CScriptEngine& engine, std::string_view hostScript, Events& events) {
+  const std::string script = prepare(engine, hostScript);
+  const std::int32_t lookback = engine.EstimateLookback(script);
+  std::string text = run(engine, script);
+  if (text.empty()) events = {engine.result.values.view(), lookback, 1};
+  finish(engine);
+  return text;
+}
+
+}  // namespace
+
+std::vector<std::int32_t> eventBars(CScriptEngine& engine, std::string_view hostScript) {
+  Events events;
+  if (hostScript.empty() || !runForEvents(engine, hostScript, events).empty()) return {};
+  return events.bars();
+}
+
 std::string outputText(CScriptEngine& engine, std::string_view hostScript, std::int32_t mapCount,
                        std::string_view outputSets) {
   if (hostScript.empty()) return {};
   if (engine.eventListMode) {
     engine.eventListMode = false;
-    const std::string script = prepare(engine, hostScript);
-    const std::int32_t lookback = engine.EstimateLookback(script);
-    std::string text = run(engine, script);
-    if (text.empty()) text = eventList(engine.result.values.view(), lookback, 1);
-    finish(engine);
-    return text;
+    Events events;
+    std::string text = runForEvents(engine, hostScript, events);
+    return text.empty() ? events.text() : text;
   }
   std::vector<OutputColumn> columns;
   std::string text = runForOutput(engine, hostScript, outputSets, columns);
@@ -186,6 +219,14 @@ std::string runPrepared(CScriptEngine& engine) {
   return text == "ALERT" ? std::string() : text;
 }
 
+std::string runPreparedForEvents(CScriptEngine& engine, std::string_view hostScript, Events& events) {
+  std::string text = runPrepared(engine);
+  if (!text.empty()) return text;
+  const std::string script = withShortNames(upperCase(hostScript));
+  events = {engine.resultEntry->values.view(), CScriptEngine::EstimateLookbackFast(script), 0};
+  return text;
+}
+
 std::vector<std::string> namesOf(const std::vector<StoreEntry*>& entries) {
   std::vector<std::string> names;
   names.reserve(entries.size());
@@ -207,14 +248,19 @@ std::string runPreparedForOutput(CScriptEngine& engine, std::string_view outputS
   return text;
 }
 
+std::vector<std::int32_t> preparedEventBars(CScriptEngine& engine, std::string_view hostScript) {
+  Events events;
+  if (hostScript.empty() || !runPreparedForEvents(engine, hostScript, events).empty()) return {};
+  return events.bars();
+}
+
 std::string preparedOutputText(CScriptEngine& engine, std::string_view hostScript, std::int32_t mapCount,
                                std::string_view outputSets) {
   if (hostScript.empty()) return {};
   if (engine.eventListMode) {
-    std::string text = runPrepared(engine);
-    if (!text.empty()) return text;
-    const std::string script = withShortNames(upperCase(hostScript));
-    return eventList(engine.resultEntry->values.view(), CScriptEngine::EstimateLookbackFast(script), 0);
+    Events events;
+    std::string text = runPreparedForEvents(engine, hostScript, events);
+    return text.empty() ? events.text() : text;
   }
   std::vector<OutputColumn> columns;
   std::string text = runPreparedForOutput(engine, outputSets, columns);

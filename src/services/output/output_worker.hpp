@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,9 @@ std::string runForOutput(CScriptEngine& engine, std::string_view script, std::st
 std::string outputText(CScriptEngine& engine, std::string_view script, std::int32_t mapCount,
                        std::string_view outputSets);
 
+/// The bars of the event list as numbers. None, when a text ends the work instead.
+std::vector<std::int32_t> eventBars(CScriptEngine& engine, std::string_view script);
+
 /// The heading line of a custom indicator.
 std::string headingText(CScriptEngine& engine, std::string_view script);
 
@@ -33,6 +37,7 @@ std::string runPreparedForOutput(CScriptEngine& engine, std::string_view outputS
                                  std::vector<OutputColumn>& columns);
 std::string preparedOutputText(CScriptEngine& engine, std::string_view script, std::int32_t mapCount,
                                std::string_view outputSets);
+std::vector<std::int32_t> preparedEventBars(CScriptEngine& engine, std::string_view script);
 std::string preparedHeadingText(CScriptEngine& engine, std::string_view script);
 /// Runs and picks the entries of the output series; false when the run has failed.
 bool runPreparedForPointers(CScriptEngine& engine, std::string_view outputSets,

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -23,10 +24,19 @@ void failWhenAsked(CScriptEngine& engine, std::string_view script, bool) {
   if (script == "refuse") engine.errorText = "Error: refused";
 }
 
-std::string listItself(CScriptEngine& engine, std::string_view script) {
+/// The numbers of a text "3,7,".
+std::vector<std::int32_t> listItself(CScriptEngine& engine, std::string_view script) {
   ranScripts.emplace_back(script);
-  if (script == "fail") engine.errorText = "Error: 3,4,";
-  return std::string(script);
+  std::vector<std::int32_t> numbers;
+  if (script == "fail") {
+    engine.errorText = "Error: failed";
+    return {3, 4};
+  }
+  for (std::size_t comma; (comma = script.find(',')) != std::string_view::npos;
+       script.remove_prefix(comma + 1)) {
+    numbers.push_back(std::atoi(std::string(script.substr(0, comma)).c_str()));
+  }
+  return numbers;
 }
 
 constexpr ScriptWay kListWay = {0, failWhenAsked, listItself};
@@ -65,20 +75,10 @@ TEST(BacktestRun, EachScriptSignalsItsPart) {
 }
 
 TEST(BacktestRun, TheFirstBarAndBarsOutsideTheDataNeverSignal) {
-  const BacktestRun run = runLists({"1,2,20,21,0,-3,99999999999,x,,", "", "5,", "", 0.0, ""});
+  const BacktestRun run = runLists({"1,2,20,21,0,-3,2147483647,-2147483648,", "", "5,", "", 0.0, ""});
   EXPECT_EQ(run.buys, 2u);  // 2 and 20
   EXPECT_EQ(logOf(run), localDates("2000-01-02 00:00:00,LONG,102.0000,2\r\n"
                                    "2000-01-05 00:00:00,EXIT LONG,105.0000,5\r\n"));
-}
-
-TEST(BacktestRun, TheMarkOfAListIsDropped) {
-  const BacktestRun run = runLists({"EVENT_LIST:3,EVENT_LIST:7,", "", "EVENT_LIST:5,", "", 0.0, ""});
-  EXPECT_EQ(run.buys, 2u);
-  EXPECT_EQ(run.longExits, 1u);
-}
-
-TEST(BacktestRun, ANumberWithoutItsCommaIsNone) {
-  EXPECT_EQ(runLists({"3,7", "", "", "", 0.0, ""}).buys, 1u);
 }
 
 TEST(BacktestRun, AnExitScriptEqualToTheOtherEntryIsNotRun) {
@@ -120,15 +120,15 @@ TEST(BacktestRun, EmptyAndTooLongScriptsAreNotRun) {
 TEST(BacktestRun, TheFirstFailingScriptEndsTheRun) {
   BacktestRun run = runLists({"fail", "5,", "5,", "3,", 0.0, ""});
   EXPECT_EQ(ranScripts, (Scripts{"fail"}));
-  EXPECT_EQ(run.error, "Error: 3,4,");
+  EXPECT_EQ(run.error, "Error: failed");
   EXPECT_EQ(run.buys, 0u);
   run = runLists({"3,", "fail", "fail", "3,", 0.0, ""});
   EXPECT_EQ(ranScripts, (Scripts{"3,", "fail"}));
   EXPECT_EQ(run.buys, 1u);
   run = runLists({"3,", "5,", "fail", "", 0.0, ""});
-  EXPECT_EQ(run.error, "Error: 3,4,");
+  EXPECT_EQ(run.error, "Error: failed");
   run = runLists({"3,", "5,", "", "fail", 0.0, ""});
-  EXPECT_EQ(run.error, "Error: 3,4,");
+  EXPECT_EQ(run.error, "Error: failed");
   run = runLists({"3,", "refuse", "", "6,", 0.0, ""});
   EXPECT_EQ(run.error, "Error: refused");
   EXPECT_EQ(ranScripts, (Scripts{"3,"}));
@@ -313,6 +313,29 @@ TEST(Backtest, TheComponentsBarsStayAsTheyWere) {
   EXPECT_EQ(host.report("CLOSE = 107"), "nothing");  // nothing of the run before is left
 }
 
+TEST(Backtest, EveryScriptSeesThePricesOfTheBarsWhateverTheScriptBeforeHasSet) {
+  Host host(40);
+  const std::string spoils =
+      "SET CLOSE = CLOSE * 0 + 7\r\nSET HIGH = 1\r\nSET LOW = 2\r\nCLOSE = 7 AND HIGH = 1";
+  const BacktestRun run =
+      host.component.runBacktest({spoils, "CLOSE = 115", "HIGH = 112", "LOW = 117", 0.0, ""});
+  const BacktestRun alone =
+      host.component.runBacktest({"", "CLOSE = 115", "HIGH = 112", "LOW = 117", 0.0, ""});
+  EXPECT_EQ(run.sells, 1u);
+  EXPECT_EQ(run.longExits, 1u);
+  EXPECT_EQ(run.shortExits, 1u);
+  EXPECT_EQ(alone.sells, 1u);
+  EXPECT_GT(run.buys, 0u);
+}
+
+TEST(Backtest, AChangedBarCountsInTheNextRun) {
+  Host host(12);
+  EXPECT_NE(host.report("CLOSE = 107", "", "CLOSE = 109").find("LONG,107.0000,7\r\n"), std::string::npos);
+  EXPECT_TRUE(host.component.EditRecord(dayDate(8), 107, 107, 107, 107, 0));
+  EXPECT_TRUE(host.component.EditRecord(dayDate(7), 50, 50, 50, 50, 0));
+  EXPECT_NE(host.report("CLOSE = 107", "", "CLOSE = 109").find("LONG,107.0000,8\r\n"), std::string::npos);
+}
+
 TEST(Backtest, TheEngineOfTheRunKnowsItsLastFunction) {
   Host host;
   EXPECT_EQ(host.component.lastEngine(), nullptr);
@@ -337,7 +360,7 @@ TEST(Backtest, OnlyATextWithTheMarkOfAnErrorIsAnEvent) {
   constexpr ScriptWay way = {0, [](CScriptEngine&, std::string_view, bool) {},
                              [](CScriptEngine& engine, std::string_view script) {
                                engine.errorText = script;
-                               return std::string();
+                               return std::vector<std::int32_t>();
                              }};
   Host host;
   EXPECT_EQ(host.component.runBacktest({"What a pity", "", "", "", 0.0, ""}, way).error, "What a pity");
