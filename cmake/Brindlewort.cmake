@@ -18,6 +18,9 @@ endif()
 # brindlewort_precompile(<layer>): the standard headers, compiled with the first layer that asks. A build without it
 # shows whether each file includes what it uses.
 function(brindlewort_precompile target)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE -fpch-preprocess)  # so that ccache sees what was compiled before
+  endif()
   get_property(owner GLOBAL PROPERTY BRINDLEWORT_PRECOMPILED)
   if(owner)
     target_precompile_headers(${target} REUSE_FROM ${owner})

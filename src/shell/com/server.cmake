@@ -34,7 +34,10 @@ add_library(bw_automation_ids OBJECT "${AUTOMATION_DIR}/brindlewort_com_i.c")
 target_include_directories(bw_automation_ids SYSTEM PUBLIC "${AUTOMATION_DIR}")
 add_dependencies(bw_automation_ids automation_interfaces)
 
+# Its files share the system's headers, not those that the other layers share.
+set(BRINDLEWORT_PRECOMPILE OFF)
 brindlewort_layer(shell/com services/output services/backtest services/alert services/validate shell/help)
+target_precompile_headers(bw_shell_com PRIVATE <windows.h> <oleauto.h> <olectl.h> <wrl/client.h> <string> <vector>)
 target_link_libraries(bw_shell_com PUBLIC bw_automation_ids)
 add_dependencies(bw_shell_com automation_interfaces)
 
