@@ -1,37 +1,21 @@
-// Scripts on the small stacks that threads of Windows have.
+// Scripts on the small stacks that threads of some hosts have.
 
 #include <gtest/gtest.h>
 
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
-
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "functions/script_engine.hpp"
 #include "support/living_script.hpp"
+#include "support/small_stack.hpp"
 
 namespace brindlewort {
 namespace {
 
-/// Does the work on a thread with a stack of so many bytes, and waits for it. A thread that overruns its
-/// stack may be ended alone, so its last step is looked at.
-void onStackOf(SIZE_T bytes, const std::function<void()>& work) {
-  bool done = false;
-  std::function<void()> all = [&] {
-    work();
-    done = true;
-  };
-  const auto start = [](void* given) -> DWORD {
-    (*static_cast<std::function<void()>*>(given))();
-    return 0;
-  };
-  const HANDLE thread = CreateThread(nullptr, bytes, start, &all, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
-  ASSERT_NE(thread, nullptr);
-  WaitForSingleObject(thread, INFINITE);
-  CloseHandle(thread);
-  EXPECT_TRUE(done) << "the stack was overrun";
+void onStackOf(std::size_t bytes, const std::function<void()>& work) {
+  EXPECT_TRUE(testing::doneOnStackOf(bytes, work)) << "the stack was overrun";
 }
 
 std::string nested(const std::string& opening, int depth) {
@@ -48,7 +32,7 @@ std::string textOf(const std::string& script) {
 }
 
 TEST(SmallStack, TheDeepestScriptsAreTooComplex) {
-  for (const SIZE_T kilobytes : {256, 512, 1024}) {
+  for (const std::size_t kilobytes : {256, 512, 1024}) {
     onStackOf(kilobytes * 1024, [] {
       for (const char* opening : {"(", "SUM(", "BLAH("}) {
         EXPECT_EQ(textOf(nested(opening, 5'000)), kTooComplex) << opening;
@@ -68,6 +52,9 @@ TEST(SmallStack, OnTheIncrementalWayToo) {
 }
 
 TEST(SmallStack, AMegabyteIsEnoughForFourHundredEvaluationsInsideOneAnother) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the address sanitizer's frames are several times as large";
+#endif
   onStackOf(1024 * 1024, [] { EXPECT_EQ(textOf(nested("(", 400)), "ALERT"); });
 }
 
