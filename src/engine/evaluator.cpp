@@ -10,7 +10,6 @@
 #include "engine/scanner.hpp"
 #include "functions/script_engine.hpp"
 #include "platform/clock.hpp"
-#include "platform/stack.hpp"
 #include "series/numbers.hpp"
 #include "series/text.hpp"
 
@@ -61,7 +60,7 @@ void CScriptEngine::testTimeLimit() {
 
 ScriptVariable CScriptEngine::EvaluateExpression(std::string_view text) {
   const DepthGuard guard(depth_);
-  if (depth_ > kMaxDepth || platform::stackIsLow() || rowsHeld_ > kMaxRowsHeld) {
+  if (guard.isTooDeep() || rowsHeld_ > kMaxRowsHeld) {
     abortRun();
     return {};
   }

@@ -8,7 +8,6 @@
 #include "engine/expression.hpp"
 #include "engine/fold.hpp"
 #include "functions/script_engine.hpp"
-#include "platform/stack.hpp"
 #include "series/text.hpp"
 
 namespace brindlewort {
@@ -79,7 +78,7 @@ const StoreEntry* CScriptEngine::variableOf(Term& term) {
 
 const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
   const DepthGuard guard(depth_);
-  if (depth_ > kMaxDepth || platform::stackIsLow()) {
+  if (guard.isTooDeep()) {
     abortRun();
     return nothing();
   }

@@ -202,8 +202,8 @@ bool CScriptEngine::BuildPriceFields(std::size_t row) {
   ResetConstants();
 
   static constexpr std::array<std::string_view, 6> kNames = {"D", "O", "H", "L", "C", "V"};
-  if (!barsStand || columns_[0].size() != rows) columns_ = priceColumns(rows);
-  std::array<Series, 6> columns = barsStand ? columns_ : std::exchange(columns_, {});
+  if (barsStand && columns_[0].size() != rows) columns_ = priceColumns(rows);
+  std::array<Series, 6> columns = barsStand ? columns_ : priceColumns(rows);
   for (std::size_t f = 0; f < columns.size(); ++f) {
     fields.push_back({std::string(kNames[f]), std::move(columns[f])});
   }

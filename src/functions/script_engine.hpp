@@ -231,7 +231,7 @@ class CScriptEngine {
   std::uint32_t sinceClockRead_ = 0;  ///< evaluations of the incremental way
 };
 
-/// More evaluations inside one another end the run; on Windows fewer do on a thread with a small stack.
+/// More evaluations inside one another end the run; on a thread with a small stack fewer do.
 inline constexpr int kMaxDepth = 1000;
 /// More entries than this in the store of variables refuse a further one.
 inline constexpr std::size_t kMaxVariables = 500;

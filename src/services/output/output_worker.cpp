@@ -1,9 +1,9 @@
 #include "services/output/output_worker.hpp"
 
+#include "engine/long_names.hpp"
 #include "series/julian_date.hpp"
 #include "series/numbers.hpp"
 #include "series/text.hpp"
-#include "services/output/long_names.hpp"
 
 namespace brindlewort {
 
@@ -109,7 +109,7 @@ std::string prepare(CScriptEngine& engine, std::string_view script) {
   engine.wholeHistory = true;
   engine.outputNames.clear();
   engine.result = {};
-  return withShortNames(upperCase(script));
+  return withShortNames(upperCase(script), &LongName::inOutput);
 }
 
 /// Runs the script; the text is what ends the work, or empty.
@@ -222,7 +222,7 @@ std::string runPrepared(CScriptEngine& engine) {
 std::string runPreparedForEvents(CScriptEngine& engine, std::string_view hostScript, Events& events) {
   std::string text = runPrepared(engine);
   if (!text.empty()) return text;
-  const std::string script = withShortNames(upperCase(hostScript));
+  const std::string script = withShortNames(upperCase(hostScript), &LongName::inOutput);
   events = {engine.resultEntry->values.view(), CScriptEngine::EstimateLookbackFast(script), 0};
   return text;
 }

@@ -1,9 +1,9 @@
 #include "services/validate/name_tables.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <vector>
 
+#include "engine/long_names.hpp"
 #include "series/text.hpp"
 
 namespace brindlewort::validation {
@@ -18,93 +18,7 @@ constexpr SpelledOperator kSpelledOperators[] = {{"AND", '&'}, {"OR", '|'},  {"X
 
 constexpr std::string_view kSeparators = "=><+-*/ ()[]{}~,&|^!%";
 
-struct LongName {
-  std::string_view from;
-  std::string_view to;
-};
-
-/// In the order of replacement.
-constexpr LongName kLongNames[] = {
-    {"SIMPLEMOVINGAVERAGE", "SMA"},
-    {"TIMESERIESMOVINGAVERAGE", "TSMA"},
-    {"VARIABLEMOVINGAVERAGE", "VMA"},
-    {"TRIANGULARMOVINGAVERAGE", "TMA"},
-    {"WEIGHTEDMOVINGAVERAGE", "WMA"},
-    {"WELLESWILDERSMOOTHING", "WWS"},
-    {"BOLLINGERBANDSTOP", "BBT"},
-    {"BOLLINGERBANDSMIDDLE", "BBM"},
-    {"BOLLINGERBANDSBOTTOM", "BBB"},
-    {"KELTNERCHANNELTOP", "KCT"},
-    {"KELTNERCHANNELMEDIAN", "KCM"},
-    {"KELTNERCHANNELBOTTOM", "KCB"},
-    {"MOVINGAVERAGEENVELOPETOP", "MAET"},
-    {"MOVINGAVERAGEENVELOPEBOTTOM", "MAEB"},
-    {"PRIMENUMBERBANDSTOP", "PNBT"},
-    {"PRIMENUMBERBANDSBOTTOM", "PNBB"},
-    {"CHANDEMOMENTUMOSCILLATOR", "CMO"},
-    {"VERTICALHORIZONTALFILTER", "VHF"},
-    {"WILLIAMSACCUMULATIONDISTRIBUTION", "WAD"},
-    {"VOLUMEOSCILLATOR", "VO"},
-    {"CHAIKINVOLATILITY", "CV"},
-    {"EASEOFMOVEMENT", "EOM"},
-    {"DETRENDEDPRICEOSCILLATOR", "DPO"},
-    {"PRIMENUMBEROSCILLATOR", "PNO"},
-    {"AVERAGETRUERANGE", "ATR"},
-    {"FRACTALCHAOSOSCILLATOR", "FCO"},
-    {"RAINBOWOSCILLATOR", "RBO"},
-    {"PARABOLICSAR", "PSAR"},
-    {"STOCHASTICOSCILLATORPCTD", "SOPD"},
-    {"STOCHASTICOSCILLATORPCTK", "SOPK"},
-    {"CHAIKINMONEYFLOW", "CMF"},
-    {"MONEYFLOWINDEX", "MFI"},
-    {"MASSINDEX", "MI"},
-    {"HISTORICALVOLATILITYINDEX", "HVI"},
-    {"HISTORICVOLATILITY", "HVI"},
-    {"HISTORICALVOLATILITY", "HVI"},
-    {"HISTORICVOLATILITYINDEX", "HVI"},
-    {"RELATIVESTRENGTHINDEX", "RSI"},
-    {"COMPARATIVERELATIVESTRENGTHINDEX", "CRSI"},
-    {"PRICEVOLUMETREND", "PVT"},
-    {"POSITIVEVOLUMEINDEX", "PVI"},
-    {"NEGATIVEVOLUMEINDEX", "NVI"},
-    {"PERFORMANCEINDEX", "PFI"},
-    {"ONBALANCEVOLUME", "OBV"},
-    {"TRADEVOLUMEINDEX", "TVI"},
-    {"COMMODITYCHANNELINDEX", "CCI"},
-    {"SWINGINDEX", "SI"},
-    {"ACCUMULATIVESWINGINDEX", "ASI"},
-    {"TIMESERIESFORECAST", "TSF"},
-    {"STANDARDDEVIATION", "SDV"},
-    {"LOWESTLOWVALUE", "LLV"},
-    {"HIGHESTHIGHVALUE", "HHV"},
-    {"CORRELATIONANALYSIS", "CA"},
-    {"VOLUMERATEOFCHANGE", "VROC"},
-    {"PRICERATEOFCHANGE", "PROC"},
-    {"WEIGHTEDCLOSE", "WC"},
-    {"TYPICALPRICE", "TP"},
-    {"MEDIANPRICE", "MP"},
-    {"HIGHMINUSLOW", "HML"},
-    {"CANDLESTICKPATTERN", "CSP"},
-    {"CANDLESTICKS", "CSP"},
-    {"PRICEOSCILLATOR", "PO"},
-    {"MOMENTUMOSCILLATOR", "MO"},
-    {"TRUERANGE", "TR"},
-    {"WILLIAMSPCTR", "WPR"},
-    {"SUPERTREND", "SUPERT"},
-    {"CUMULATIVEAVERAGE", "CAVG"},
-    {"RANGEUPCOUNT", "RUPCOUNT"},
-    {"RANGEDOWNCOUNT", "RDNCOUNT"},
-    {"VOLUMEADJUSTEDAVERAGE", "VAA"},
-    {"HULLAVERAGE", "HA"},
-    {"ZEROLAGEXPONENTIALMOVINGAVERAGE", "ZLEMA"},
-    {"TRENDSCORE", "TS"},
-    {"FACTORAVERAGE", "FA"},
-    {"EXPONENTIALMOVINGAVERAGE", "EMA"},
-    {"ADAPTIVEMOVINGAVERAGE", "AMA"},
-    {"FISHERTRANSFORM", "FST"},
-};
-
-/// The short names that are looked for before those of the table above.
+/// The short names that are looked for before those of the long names.
 constexpr std::string_view kFirstShortNames[] = {"SMA", "EMA", "TSMA", "VMA", "TMA", "WMA"};
 
 // clang-format off
@@ -172,9 +86,11 @@ std::vector<std::string> sortedUpperCase(std::span<const std::string_view> names
 
 /// Where several long names share a short one, the last of them is its long name.
 std::string_view lastLongNameFor(std::string_view shortName) {
-  const auto row = std::find_if(std::rbegin(kLongNames), std::rend(kLongNames),
-                                [&](const LongName& name) { return name.to == shortName; });
-  return row->from;
+  std::string_view last;
+  for (const LongName& row : longNames()) {
+    if (row.inValidation == shortName) last = row.name;
+  }
+  return last;
 }
 
 }  // namespace
@@ -200,20 +116,13 @@ bool isKnownName(std::string_view word) {
   return std::binary_search(sorted.begin(), sorted.end(), word, std::less<>());
 }
 
-std::string ReplaceLongNames(std::string_view script) {
-  std::string text(script);
-  for (const LongName& name : kLongNames) {
-    if (contains(text, name.from)) text = replaceAll(text, name.from, name.to);
-  }
-  return text;
-}
-
 std::string_view LongNameOf(std::string_view text) {
   for (std::string_view shortName : kFirstShortNames) {
     if (contains(text, shortName)) return lastLongNameFor(shortName);
   }
-  for (const LongName& name : kLongNames) {
-    if (contains(text, name.to)) return lastLongNameFor(name.to);
+  for (const LongName& row : longNames()) {
+    const std::string_view shortName = row.inValidation;
+    if (!shortName.empty() && contains(text, shortName)) return lastLongNameFor(shortName);
   }
   return {};
 }

@@ -1,11 +1,10 @@
 #pragma once
 
 #include <span>
-#include <string>
 #include <string_view>
 
-/// The validator's vocabulary as literal tables: operators, separators, the long and short names of
-/// functions, and the words that a script may use.
+/// The validator's vocabulary as literal tables: operators, separators, the words that a script
+/// may use, and the way back from a function's short name to its long one.
 namespace brindlewort::validation {
 
 /// The operators of the language; longer ones before those that they contain.
@@ -27,11 +26,6 @@ std::span<const std::string_view> knownNames();
 
 /// Whether an upper-cased word is among the known names.
 bool isKnownName(std::string_view word);
-
-/// The long names of functions in an upper-cased text by their short names, anywhere in the text: one pass
-/// for each row of the table, in its order. Rows overlap, and an earlier row may take a piece out of a later
-/// name: COMPARATIVERELATIVESTRENGTHINDEX becomes COMPARATIVERSI.
-std::string ReplaceLongNames(std::string_view script);
 
 /// The long name of the first short name that the text holds anywhere, in the order of the list: the plain
 /// averages stand in front, so that "TSMA" gives SIMPLEMOVINGAVERAGE. Empty when there is none.

@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "engine/long_names.hpp"
 #include "functions/script_engine.hpp"
 #include "series/text.hpp"
 #include "services/validate/name_tables.hpp"
@@ -60,7 +61,7 @@ std::string CValidate::Validate(std::string_view ValidateScript, std::int32_t Bu
 std::string CValidate::check(std::string_view script, std::int32_t buildVersion) {
   const std::string text = withoutComments(upperCase(script));
   if (text.size() < kShortestScript) return "Error: Script too short.";
-  const std::string shortText = validation::ReplaceLongNames(text);
+  const std::string shortText = withShortNames(text, &LongName::inValidation);
   const validation::Fault fault = validation::CheckSyntax(shortText);
   if (!fault.empty()) return "Error: " + fault;
 

@@ -6,104 +6,12 @@
 #include <string>
 #include <string_view>
 
+#include "engine/long_names.hpp"
 #include "services/validate/syntax_checks.hpp"
 #include "services/validate/validate.hpp"
 
 namespace brindlewort::validation {
 namespace {
-
-struct Pair {
-  std::string_view longName;
-  std::string_view shortName;
-};
-
-constexpr Pair kPairs[] = {
-    {"SIMPLEMOVINGAVERAGE", "SMA"},
-    {"TIMESERIESMOVINGAVERAGE", "TSMA"},
-    {"VARIABLEMOVINGAVERAGE", "VMA"},
-    {"TRIANGULARMOVINGAVERAGE", "TMA"},
-    {"WEIGHTEDMOVINGAVERAGE", "WMA"},
-    {"WELLESWILDERSMOOTHING", "WWS"},
-    {"BOLLINGERBANDSTOP", "BBT"},
-    {"BOLLINGERBANDSMIDDLE", "BBM"},
-    {"BOLLINGERBANDSBOTTOM", "BBB"},
-    {"KELTNERCHANNELTOP", "KCT"},
-    {"KELTNERCHANNELMEDIAN", "KCM"},
-    {"KELTNERCHANNELBOTTOM", "KCB"},
-    {"MOVINGAVERAGEENVELOPETOP", "MAET"},
-    {"MOVINGAVERAGEENVELOPEBOTTOM", "MAEB"},
-    {"PRIMENUMBERBANDSTOP", "PNBT"},
-    {"PRIMENUMBERBANDSBOTTOM", "PNBB"},
-    {"CHANDEMOMENTUMOSCILLATOR", "CMO"},
-    {"VERTICALHORIZONTALFILTER", "VHF"},
-    {"WILLIAMSACCUMULATIONDISTRIBUTION", "WAD"},
-    {"VOLUMEOSCILLATOR", "VO"},
-    {"CHAIKINVOLATILITY", "CV"},
-    {"EASEOFMOVEMENT", "EOM"},
-    {"DETRENDEDPRICEOSCILLATOR", "DPO"},
-    {"PRIMENUMBEROSCILLATOR", "PNO"},
-    {"AVERAGETRUERANGE", "ATR"},
-    {"FRACTALCHAOSOSCILLATOR", "FCO"},
-    {"RAINBOWOSCILLATOR", "RBO"},
-    {"PARABOLICSAR", "PSAR"},
-    {"STOCHASTICOSCILLATORPCTD", "SOPD"},
-    {"STOCHASTICOSCILLATORPCTK", "SOPK"},
-    {"CHAIKINMONEYFLOW", "CMF"},
-    {"MONEYFLOWINDEX", "MFI"},
-    {"MASSINDEX", "MI"},
-    {"HISTORICALVOLATILITYINDEX", "HVI"},
-    {"HISTORICVOLATILITY", "HVI"},
-    {"HISTORICALVOLATILITY", "HVI"},
-    {"HISTORICVOLATILITYINDEX", "HVI"},
-    {"RELATIVESTRENGTHINDEX", "RSI"},
-    {"COMPARATIVERELATIVESTRENGTHINDEX", "CRSI"},
-    {"PRICEVOLUMETREND", "PVT"},
-    {"POSITIVEVOLUMEINDEX", "PVI"},
-    {"NEGATIVEVOLUMEINDEX", "NVI"},
-    {"PERFORMANCEINDEX", "PFI"},
-    {"ONBALANCEVOLUME", "OBV"},
-    {"TRADEVOLUMEINDEX", "TVI"},
-    {"COMMODITYCHANNELINDEX", "CCI"},
-    {"SWINGINDEX", "SI"},
-    {"ACCUMULATIVESWINGINDEX", "ASI"},
-    {"TIMESERIESFORECAST", "TSF"},
-    {"STANDARDDEVIATION", "SDV"},
-    {"LOWESTLOWVALUE", "LLV"},
-    {"HIGHESTHIGHVALUE", "HHV"},
-    {"CORRELATIONANALYSIS", "CA"},
-    {"VOLUMERATEOFCHANGE", "VROC"},
-    {"PRICERATEOFCHANGE", "PROC"},
-    {"WEIGHTEDCLOSE", "WC"},
-    {"TYPICALPRICE", "TP"},
-    {"MEDIANPRICE", "MP"},
-    {"HIGHMINUSLOW", "HML"},
-    {"CANDLESTICKPATTERN", "CSP"},
-    {"CANDLESTICKS", "CSP"},
-    {"PRICEOSCILLATOR", "PO"},
-    {"MOMENTUMOSCILLATOR", "MO"},
-    {"TRUERANGE", "TR"},
-    {"WILLIAMSPCTR", "WPR"},
-    {"SUPERTREND", "SUPERT"},
-    {"CUMULATIVEAVERAGE", "CAVG"},
-    {"RANGEUPCOUNT", "RUPCOUNT"},
-    {"RANGEDOWNCOUNT", "RDNCOUNT"},
-    {"VOLUMEADJUSTEDAVERAGE", "VAA"},
-    {"HULLAVERAGE", "HA"},
-    {"ZEROLAGEXPONENTIALMOVINGAVERAGE", "ZLEMA"},
-    {"TRENDSCORE", "TS"},
-    {"FACTORAVERAGE", "FA"},
-    {"EXPONENTIALMOVINGAVERAGE", "EMA"},
-    {"ADAPTIVEMOVINGAVERAGE", "AMA"},
-    {"FISHERTRANSFORM", "FST"},
-};
-
-/// Rows whose long name an earlier row has taken a piece out of.
-std::string_view spoiledForm(std::string_view longName) {
-  if (longName == "HISTORICVOLATILITYINDEX") return "HVIINDEX";                 // HISTORICVOLATILITY
-  if (longName == "COMPARATIVERELATIVESTRENGTHINDEX") return "COMPARATIVERSI";  // RELATIVESTRENGTHINDEX
-  if (longName == "ACCUMULATIVESWINGINDEX") return "ACCUMULATIVESI";            // SWINGINDEX
-  return {};
-}
 
 /// Short names that hold one that is looked for before, or share theirs with a later row.
 std::string_view otherLongName(std::string_view shortName) {
@@ -117,34 +25,11 @@ std::string_view otherLongName(std::string_view shortName) {
   return {};
 }
 
-TEST(LongNames, EveryRowIsReplaced) {
-  for (const Pair& pair : kPairs) {
-    const std::string_view spoiled = spoiledForm(pair.longName);
-    EXPECT_EQ(ReplaceLongNames(pair.longName), spoiled.empty() ? pair.shortName : spoiled) << pair.longName;
-  }
-}
-
-TEST(LongNames, ReplacedAnywhereAndEveryTime) {
-  EXPECT_EQ(ReplaceLongNames("XHULLAVERAGEX HULLAVERAGE"), "XHAX HA");
-  EXPECT_EQ(ReplaceLongNames("CLOSE > HULLAVERAG"), "CLOSE > HULLAVERAG");
-  EXPECT_EQ(ReplaceLongNames(""), "");
-}
-
-TEST(LongNames, WhatAReplacementMakesIsNotReadAgainByItsRow) {
-  // The inner name goes, and the letters around it close to the same name again.
-  EXPECT_EQ(ReplaceLongNames("TRUERTRUERANGEANGE"), "TRUERTRANGE");
-  EXPECT_EQ(ReplaceLongNames("MASSINDMASSINDEXEX"), "MASSINDMIEX");
-}
-
-TEST(LongNames, LaterRowsReadWhatEarlierRowsMade) {
-  // TRUERANGE, an earlier row, leaves the letters TR of FISHERTRANSFORM.
-  EXPECT_EQ(ReplaceLongNames("FISHERTRUERANGEANSFORM"), "FST");
-}
-
 TEST(LongNames, TheWayBackOfEveryRow) {
-  for (const Pair& pair : kPairs) {
-    const std::string_view other = otherLongName(pair.shortName);
-    EXPECT_EQ(LongNameOf(pair.shortName), other.empty() ? pair.longName : other) << pair.shortName;
+  for (const LongName& row : longNames()) {
+    if (row.inValidation.empty()) continue;
+    const std::string_view other = otherLongName(row.inValidation);
+    EXPECT_EQ(LongNameOf(row.inValidation), other.empty() ? row.name : other) << row.inValidation;
   }
 }
 

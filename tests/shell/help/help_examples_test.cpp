@@ -11,9 +11,9 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/long_names.hpp"
 #include "functions/script_engine.hpp"
 #include "series/text.hpp"
-#include "services/output/long_names.hpp"
 #include "services/output/script_output.hpp"
 #include "services/validate/validate.hpp"
 #include "shell/help/help_texts.hpp"
@@ -101,7 +101,8 @@ TEST_P(HelpExample, RunsOverBars) {
 
 TEST_P(HelpExample, RunsDry) {
   CScriptEngine engine;
-  const std::string text = engine.RunScript(withShortNames(upperCase(script_)), false, true);
+  const std::string text =
+      engine.RunScript(withShortNames(upperCase(script_), &LongName::inOutput), false, true);
   EXPECT_TRUE(text.empty() || text == "ALERT") << text << "\n" << script_;
 }
 
