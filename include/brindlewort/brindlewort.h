@@ -48,7 +48,8 @@ BW_API int32_t bw_script_output_on_script_error(bw_script_output* h, bw_script_e
 BW_API int32_t bw_script_output_append_record(bw_script_output* h, double jdate, double open_price,
                                               double high_price, double low_price, double close_price,
                                               int32_t volume);
-/* The same for `count` rows of six doubles: JDate, Open, High, Low, Close, Volume (cut to 32-bit integer). */
+/* The same for `count` rows of six doubles: JDate, Open, High, Low, Close, Volume. A volume is cut to a 32-bit integer;
+ * when one of them is beyond those, or not a number, the status is 1 and no bar of the block is added. */
 BW_API int32_t bw_script_output_append_records(bw_script_output* h, const double* rows, size_t count);
 /* Replaces the first bar of exactly this date. `result`: -1, or 0 when there is none. */
 BW_API int32_t bw_script_output_edit_record(bw_script_output* h, double jdate, double open_price,
@@ -175,7 +176,8 @@ BW_API int32_t bw_backtest_set_random_seed(bw_backtest* h, int64_t seed);
 
 BW_API int32_t bw_backtest_append_record(bw_backtest* h, double jdate, double open_price, double high_price,
                                          double low_price, double close_price, int32_t volume);
-/* The same for `count` rows of six doubles: JDate, Open, High, Low, Close, Volume (cut to 32-bit integer). */
+/* The same for `count` rows of six doubles: JDate, Open, High, Low, Close, Volume. A volume is cut to a 32-bit integer;
+ * when one of them is beyond those, or not a number, the status is 1 and no bar of the block is added. */
 BW_API int32_t bw_backtest_append_records(bw_backtest* h, const double* rows, size_t count);
 /* Replaces the first bar of exactly this date. `result`: -1, or 0 when there is none. */
 BW_API int32_t bw_backtest_edit_record(bw_backtest* h, double jdate, double open_price, double high_price,
@@ -231,7 +233,9 @@ BW_API int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void*
 BW_API int32_t bw_alert_append_record(bw_alert* h, double jdate, double open_price, double high_price,
                                       double low_price, double close_price, int32_t volume,
                                       double last_trade_date);
-/* The same for `count` rows of seven doubles (the last trade date is the seventh), evaluated once, after the last. */
+/* The same for `count` rows of seven doubles (the last trade date is the seventh), evaluated once, after the last. When
+ * a volume is beyond 32-bit integers, or not a number, the status is 1, no bar of the block is added, and nothing is
+ * evaluated. */
 BW_API int32_t bw_alert_append_records(bw_alert* h, const double* rows, size_t count);
 /* Replaces the first bar of exactly this date and evaluates. `result`: -1, or 0 when there is none. */
 BW_API int32_t bw_alert_edit_record(bw_alert* h, double jdate, double open_price, double high_price,

@@ -6,9 +6,13 @@
 
 namespace brindlewort {
 
+/// Whether a number cut toward zero is a 32-bit integer.
+inline bool fitsInt32(double x) {
+  return x > -2147483649.0 && x < 2147483648.0;
+}
 /// Truncation toward zero to a 32-bit integer; out of range or not a number gives the most negative one.
 inline std::int32_t toInt32(double x) {
-  return x > -2147483649.0 && x < 2147483648.0 ? static_cast<std::int32_t>(x) : INT32_MIN;
+  return fitsInt32(x) ? static_cast<std::int32_t>(x) : INT32_MIN;
 }
 inline std::int64_t toInt64(double x) {
   return x >= -9223372036854775808.0 && x < 9223372036854775808.0 ? static_cast<std::int64_t>(x) : INT64_MIN;

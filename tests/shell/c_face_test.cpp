@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -163,6 +164,57 @@ TEST(CFace, BulkRowsAreTheSingleCallsInTurn) {
   bw_script_output_get_script_output(one.get(), script, 0, "", &left);
   bw_script_output_get_script_output(bulk.get(), script, 0, "", &right);
   EXPECT_EQ(taken(left), taken(right));
+}
+
+/// Three bars of a block, a row each of `width` numbers, the middle one of this volume.
+std::vector<double> blockWithVolume(double volume, std::size_t width) {
+  std::vector<double> rows;
+  for (int i = 1; i <= 3; ++i) {
+    rows.insert(rows.end(), {2444299.5 + i, 10, 11, 9, 10, i == 2 ? volume : 100});
+    rows.resize(rows.size() + width - 6, 2444299.5 + i);
+  }
+  return rows;
+}
+
+/// What no bar can have as its volume.
+const double kNoVolumes[] = {2147483648.0, -2147483649.0, 3e9, 1e300, std::nan(""), HUGE_VAL, -HUGE_VAL};
+
+TEST(CFace, ABlockWithAVolumeBeyond32BitsIsRefusedAsAWhole) {
+  bw_backtest* backtest = bw_backtest_create();
+  bw_alert* alert = bw_alert_create();
+  int32_t count = -1;
+  for (const double volume : kNoVolumes) {
+    EXPECT_EQ(bw_backtest_append_records(backtest, blockWithVolume(volume, 6).data(), 3), 1) << volume;
+    EXPECT_EQ(bw_backtest_get_record_count(backtest, &count), 0);
+    EXPECT_EQ(count, 0) << volume;
+    EXPECT_EQ(bw_alert_append_records(alert, blockWithVolume(volume, 7).data(), 3), 1) << volume;
+    EXPECT_EQ(bw_alert_get_record_count(alert, &count), 0);
+    EXPECT_EQ(count, 0) << volume;
+    // The bars of append_record are not counted; a run over the seven that were there is a line each.
+    const Handle output = rampOf(7);
+    EXPECT_EQ(bw_script_output_append_records(output.get(), blockWithVolume(volume, 6).data(), 3), 1)
+        << volume;
+    char* text = nullptr;
+    EXPECT_EQ(bw_script_output_get_script_output(output.get(), "SET A = VOLUME\r\nA > 0", 0, "A", &text), 0);
+    const std::string lines = taken(text);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1 + 7) << lines;
+  }
+  bw_backtest_destroy(backtest);
+  bw_alert_destroy(alert);
+}
+
+TEST(CFace, TheOutermostVolumesOf32BitsAreTaken) {
+  for (const double volume : {2147483647.0, 2147483647.9, -2147483648.0, -2147483648.9, 0.0, 100.9}) {
+    bw_backtest* backtest = bw_backtest_create();
+    EXPECT_EQ(bw_backtest_append_records(backtest, blockWithVolume(volume, 6).data(), 3), 0) << volume;
+    int32_t taken = 1, found = 0;
+    EXPECT_EQ(bw_backtest_get_record_by_index(backtest, 2, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                              &taken, &found),
+              0);
+    EXPECT_EQ(found, -1);
+    EXPECT_EQ(taken, static_cast<int32_t>(std::trunc(volume)));
+    bw_backtest_destroy(backtest);
+  }
 }
 
 TEST(CFace, GetSeriesTakesANameAsAColumnShowsItOrAsAScriptWritesIt) {

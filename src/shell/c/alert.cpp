@@ -78,10 +78,12 @@ int32_t bw_alert_append_records(bw_alert* h, const double* rows, size_t count) {
   return onHandle(h, [&](bw_alert& handle) {
     if (count == 0) return kSuccess;
     if (!rows) return kNullArgument;
+    constexpr size_t kWidth = kRowWidth + 1;
+    if (!volumesFit(rows, count, kWidth)) return kFailure;
     std::vector<Bar> bars(count);
     for (Bar& bar : bars) {
       bar = {rows[0], rows[1], rows[2], rows[3], rows[4], rows[5], rows[6], rows[4]};
-      rows += 7;
+      rows += kWidth;
     }
     handle.component.AppendRecords(bars);
     return kSuccess;

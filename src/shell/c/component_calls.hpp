@@ -41,13 +41,28 @@ std::int32_t appendRecord(Handle* h, double jdate, double open, double high, dou
   });
 }
 
+/// How many numbers a row of a block has, and which of them is the volume. A bar with the date of its last
+/// trade has one more behind it.
+inline constexpr std::size_t kRowWidth = 6;
+inline constexpr std::size_t kVolumeColumn = 5;
+
+/// Whether every volume of a block is one that a bar can have; a block with another one is refused as a
+/// whole.
+inline bool volumesFit(const double* rows, std::size_t count, std::size_t width) {
+  for (std::size_t row = 0; row < count; ++row) {
+    if (!fitsInt32(rows[row * width + kVolumeColumn])) return false;
+  }
+  return true;
+}
+
 template <class Handle>
 std::int32_t appendRecords(Handle* h, const double* rows, std::size_t count) {
   return onHandle(h, [&](Handle& handle) {
     if (count == 0) return kSuccess;
     if (!rows) return kNullArgument;
+    if (!volumesFit(rows, count, kRowWidth)) return kFailure;
     handle.component.makeRoom(count);
-    for (const double* row = rows; row != rows + 6 * count; row += 6) {
+    for (const double* row = rows; row != rows + kRowWidth * count; row += kRowWidth) {
       handle.component.AppendRecord(row[0], row[1], row[2], row[3], row[4], toInt32(row[5]));
     }
     return kSuccess;
