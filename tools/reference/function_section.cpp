@@ -149,16 +149,23 @@ std::vector<Account> accountsOf(const FunctionRow& row) {
   return accounts;
 }
 
-std::string_view onlyWayOf(Path path) {
-  switch (path) {
-    case Path::kWholeHistory:
-      return "Known to the whole-history way only.";
-    case Path::kIncremental:
-      return "Known to the incremental way only.";
-    case Path::kBoth:
-      break;
+std::string_view knownTo(Ways ways) {
+  if (ways == kBothWays) return "Known to both ways";
+  if (ways.wholeHistory) return "Known to the whole-history way only";
+  if (ways.incremental) return "Known to the incremental way only";
+  return "Known to neither way";
+}
+
+/// Nothing where every name is known to both ways; else a sentence for the function, and one for each of its
+/// names that are otherwise.
+std::string waysText(const FunctionRow& row) {
+  const std::vector<NamesOfWays> groups = namesByWays(row);
+  if (groups.size() == 1 && groups.front().ways == kBothWays) return {};
+  std::string text = std::string(knownTo(groups.front().ways)) + '.';
+  for (std::size_t i = 1; i < groups.size(); ++i) {
+    text += ' ' + std::string(knownTo(groups[i].ways)) + ": " + joined(groups[i].names) + '.';
   }
-  return {};
+  return text;
 }
 
 std::string callOf(const FunctionRow& row, std::string_view name) {
@@ -266,13 +273,27 @@ std::vector<Spelling> spellingsOf(const FunctionRow& row) {
   return spellings;
 }
 
+std::vector<NamesOfWays> namesByWays(const FunctionRow& row) {
+  std::vector<NamesOfWays> groups;
+  for (const FunctionName& name : row.names) {
+    const Ways ways = waysOf(row, name.name);
+    const auto known = std::ranges::find(groups, ways, &NamesOfWays::ways);
+    if (known == groups.end()) {
+      groups.push_back({ways, {name.name}});
+    } else {
+      known->names.push_back(name.name);
+    }
+  }
+  return groups;
+}
+
 FunctionSection sectionOf(const FunctionRow& row) {
   FunctionSection section;
   section.spellings = spellingsOf(row);
   std::vector<std::string_view> titles;
   for (const Spelling& spelling : section.spellings) titles.push_back(spelling.names.front());
   section.title = joined(titles);
-  section.onlyWay = onlyWayOf(row.path);
+  section.ways = waysText(row);
   section.arguments = argumentsOf(row);
   section.accounts = accountsOf(row);
   if (const CallNote* note = findByFunction(callNotes(), row)) section.remark = note->text;
@@ -288,7 +309,7 @@ std::string plainText(const FunctionSection& section) {
     }
     text += '\n';
   }
-  if (!section.onlyWay.empty()) text += section.onlyWay + '\n';
+  if (!section.ways.empty()) text += wrapped(section.ways, kWidth) + '\n';
   addArguments(text, section.arguments);
   for (const Account& account : section.accounts) addAccount(text, account);
   if (!section.remark.empty()) text += '\n' + wrapped(section.remark, kWidth) + '\n';

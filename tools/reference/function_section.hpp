@@ -6,6 +6,7 @@
 
 #include "functions/function_notes.hpp"
 #include "functions/function_table.hpp"
+#include "name_ways.hpp"
 
 /// What the reference says of one row of the function table, before it takes the form of a page or of a text.
 namespace brindlewort::reference {
@@ -16,6 +17,14 @@ struct Spelling {
   std::vector<std::string_view> names;
 };
 std::vector<Spelling> spellingsOf(const FunctionRow& row);
+
+/// The names of a row that are alike in their ways, in the order of the row.
+struct NamesOfWays {
+  Ways ways;
+  std::vector<std::string_view> names;
+};
+/// Those of the row's first name come first.
+std::vector<NamesOfWays> namesByWays(const FunctionRow& row);
 
 struct LabelledText {
   std::string label;
@@ -33,7 +42,7 @@ struct Account {
 struct FunctionSection {
   std::string title;
   std::vector<Spelling> spellings;
-  std::string onlyWay;  ///< a sentence, for a function that one of the ways does not have
+  std::string ways;  ///< which names the ways know, in sentences; empty when both know all of them
   std::vector<LabelledText> arguments;
   std::vector<Account> accounts;
   std::string_view remark;  ///< what the call itself adds; may be empty

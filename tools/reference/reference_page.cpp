@@ -100,16 +100,20 @@ std::string firstSentence(std::string_view text) {
   return std::string(end == std::string_view::npos ? text : text.substr(0, end + 1));
 }
 
-std::string_view wayOf(Path path) {
-  switch (path) {
-    case Path::kWholeHistory:
-      return "whole history only";
-    case Path::kIncremental:
-      return "incremental only";
-    case Path::kBoth:
-      break;
+std::string_view wordFor(Ways ways) {
+  if (ways == kBothWays) return "both";
+  if (ways.wholeHistory) return "whole history only";
+  return ways.incremental ? "incremental only" : "neither";
+}
+
+/// The ways of a row, behind them the names that have others.
+std::string waysCell(const FunctionRow& row) {
+  std::string cell;
+  for (const NamesOfWays& group : namesByWays(row)) {
+    if (!cell.empty()) cell += "; " + joined(group.names) + ": ";
+    cell += wordFor(group.ways);
   }
-  return "both";
+  return cell;
 }
 
 /// All names of an output but the one that stands in the heading.
@@ -127,24 +131,26 @@ std::string indexTable() {
     const FunctionSection section = sectionOf(row);
     const std::string computes =
         section.accounts.empty() ? "" : escaped(firstSentence(section.accounts.front().description));
-    table += tableRow({linkTo(section.title), escaped(joined(otherNames(section))), computes,
-                       std::string(wayOf(row.path))});
+    table += tableRow({linkTo(section.title), escaped(joined(otherNames(section))), computes, waysCell(row)});
   }
   return table + '\n';
 }
 
-std::string namesOfWay(Path path) {
+std::string namesOfWays(Ways ways) {
   std::vector<std::string_view> names;
   for (const FunctionRow& row : functionTable()) {
-    if (row.path != path) continue;
-    for (const FunctionName& name : row.names) names.push_back(name.name);
+    for (const NamesOfWays& group : namesByWays(row)) {
+      if (group.ways == ways) names.insert(names.end(), group.names.begin(), group.names.end());
+    }
   }
   return codeList(names);
 }
 
-std::string oneWayOnly() {
-  return "Names of the whole-history way only: " + namesOfWay(Path::kWholeHistory) +
-         ".\n\nNames of the incremental way only: " + namesOfWay(Path::kIncremental) + ".\n\n";
+std::string namesOfFewerWays() {
+  return "Names that only the whole-history way knows: " + namesOfWays({true, false}) +
+         ".\n\nNames that only the incremental way knows: " + namesOfWays({false, true}) +
+         ".\n\nNames that neither way knows, since it takes the name apart before it looks: " +
+         namesOfWays({}) + ".\n\n";
 }
 
 std::string sections() {
@@ -231,7 +237,7 @@ std::string markdown(const FunctionSection& section) {
     }
     text += '\n';
   }
-  if (!section.onlyWay.empty()) text += "\n**" + section.onlyWay + "**\n";
+  if (!section.ways.empty()) text += "\n**" + section.ways + "**\n";
   if (!section.arguments.empty()) {
     text += '\n' + tableHead({"Argument", "Takes"});
     for (const LabelledText& argument : section.arguments) {
@@ -249,7 +255,8 @@ std::string markdown(const FunctionSection& section) {
 }
 
 std::string referencePage() {
-  return std::string(kTop) + indexTable() + oneWayOnly() + std::string(kWords) + sections() + constants();
+  return std::string(kTop) + indexTable() + namesOfFewerWays() + std::string(kWords) + sections() +
+         constants();
 }
 
 }  // namespace brindlewort::reference
