@@ -212,7 +212,16 @@ BW_API int32_t bw_backtest_backtest_new(bw_backtest* h, const char* buy_script, 
                                         const char* exit_long_script, const char* exit_short_script,
                                         double slip_pct, const char* max_open_days, char** text);
 
-/* ---- Alert: a script that watches one symbol ---------------------------------------------------------- */
+/* ---- Alert: a script that watches one symbol ----------------------------------------------------------
+ *
+ * Two ways of watching:
+ *   plain: on_alert and on_script_error, set_symbol, set_alert_name, set_alert_script, then append_record for each bar;
+ *   incremental: the same events and names, then initialise_transient_store, process_scrip_data with the script,
+ *     set_alert_script with it too, then append_record_opt for each bar.
+ * Nothing is evaluated before set_alert_script (or evaluate) has given a script of at least 5 characters: without
+ * it the calls that add bars succeed and no event comes. Nor does one come while there are too few bars for the
+ * script.
+ */
 
 typedef struct bw_alert bw_alert;
 
@@ -221,15 +230,19 @@ typedef void (*bw_alert_fn)(void* user, const char* symbol, const char* alert_na
                             double last_trade_price);
 typedef void (*bw_alert_error_fn)(void* user, const char* symbol, const char* alert_name, const char* description);
 
-/* Null when memory runs out. Components are counted over all processes of the machine; one beyond the limit tells so by
- * the error event instead of evaluating. */
+/* Null when memory runs out. Components are counted over all processes of the machine (of the user, but on
+ * Windows): 999 may live beside the first. One that is created beyond those still takes bars and scripts, but where
+ * it would evaluate its alert script it tells "Error: You have exceeded the maximum number of alerts!" by the error
+ * event instead, at each bar again, for its whole life. bw_alert_evaluate and the incremental way are not held back:
+ * there the event comes once at the setting up and once at each preparation. */
 BW_API bw_alert* bw_alert_create(void);
 BW_API void bw_alert_destroy(bw_alert* h);
-/* The script's last value is not 0. */
+/* The event of a script that fired: its last value is not 0. A null function removes the present one. */
 BW_API int32_t bw_alert_on_alert(bw_alert* h, bw_alert_fn fn, void* user);
+/* The event of a script that failed, or of a component beyond the limit. */
 BW_API int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void* user);
 
-/* Adds a bar, with the date of its last trade, and evaluates the script. */
+/* Adds a bar, with the date of its last trade, and evaluates the alert script over all bars. */
 BW_API int32_t bw_alert_append_record(bw_alert* h, double jdate, double open_price, double high_price,
                                       double low_price, double close_price, int32_t volume,
                                       double last_trade_date);
@@ -262,7 +275,9 @@ BW_API int32_t bw_alert_get_jdate(bw_alert* h, int32_t index, double* jdate);
 /* Changes the date of the first bar dated `old_jdate`. `result`: -1, or 0 when there is none. */
 BW_API int32_t bw_alert_edit_jdate(bw_alert* h, double old_jdate, double new_jdate, int32_t* result);
 
-/* Symbol and name go into every event. A script that is set is evaluated at once. */
+/* Symbol and name are the host's own, and go into every event. A script that is set is evaluated at once, and from
+ * then on whenever a bar comes or changes; one of fewer than 5 characters is kept and never evaluated. On the
+ * incremental way what runs is the prepared script, and the alert script only switches it on. */
 BW_API int32_t bw_alert_get_symbol(bw_alert* h, char** text);
 BW_API int32_t bw_alert_set_symbol(bw_alert* h, const char* text);
 BW_API int32_t bw_alert_get_alert_name(bw_alert* h, char** text);
@@ -273,12 +288,16 @@ BW_API int32_t bw_alert_set_alert_script(bw_alert* h, const char* text);
 /* Evaluates a script once, which stays in force for later changes. `result`: 1 when it fired, else 0. */
 BW_API int32_t bw_alert_evaluate(bw_alert* h, const char* script, int32_t* result);
 
-/* The incremental way. Set the engine up once, prepare a script, then use the _opt calls. */
+/* ---- The incremental way: as on bw_script_output, a new bar costs one new row, not the history. */
+
+/* Sets the engine up, before its first bar, for so many variables of scripts and functions (250 when below 10). From
+ * then on set_alert_script evaluates on this way. */
 BW_API int32_t bw_alert_initialise_transient_store(bw_alert* h, int32_t variables_size);
-/* `result`: 1, or 0, with status 1, when the script is refused. */
+/* Prepares the script of the runs that follow. They begin when set_alert_script has been called as well. `result`:
+ * 1, or 0, with status 1, when the script is refused. */
 BW_API int32_t bw_alert_process_scrip_data(bw_alert* h, const char* script, int32_t* result);
-/* Adds a bar to the bars of both ways and evaluates the prepared script. Status 1, without an evaluation, when the
- * series do not take the bar. */
+/* Adds a bar to the bars of both ways and evaluates the prepared script, once there is an alert script. Status 1,
+ * without an evaluation, when the series do not take the bar. */
 BW_API int32_t bw_alert_append_record_opt(bw_alert* h, double jdate, double open_price, double high_price,
                                           double low_price, double close_price, int32_t volume,
                                           double last_trade_date);

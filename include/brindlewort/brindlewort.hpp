@@ -494,6 +494,17 @@ class CBacktest {
 };
 
 /// A script that watches one symbol and tells when it fires. Can be moved, not copied.
+///
+/// Two ways of watching:
+///   plain: OnAlert, SetSymbol, SetAlertName, SetAlertScript, then AppendRecord for each bar;
+///   incremental: OnAlert, SetSymbol, SetAlertName, InitialiseTransientStore, ProcessScripData with the script,
+///     SetAlertScript with it too, then AppendRecord_Opt for each bar.
+/// Nothing is evaluated before SetAlertScript (or Evaluate) has given a script of at least 5 characters, and no event
+/// comes until then, nor while there are too few bars for the script.
+///
+/// 999 components may live on a machine beside the first. One that is made beyond those tells "Error: You have exceeded
+/// the maximum number of alerts!" to OnScriptError at each bar, where it would evaluate its alert script; Evaluate and
+/// the incremental way are not held back.
 class CAlert {
  public:
   CAlert() : handle_(bw_alert_create()), events_(std::make_unique<Events>()) {
@@ -511,7 +522,8 @@ class CAlert {
   /// What to call when it fails.
   void OnScriptError(ErrorCallback callback) { events_->error = std::move(callback); }
 
-  // ---- Properties. Symbol and name go into every event; a script that is set is evaluated at once.
+  // ---- Properties. Symbol and name go into every event. A script that is set is evaluated at once, and from then on
+  // whenever a bar comes or changes; one of fewer than 5 characters is kept and never evaluated.
 
   std::string Symbol() const { return Get(&bw_alert_get_symbol); }
   void SetSymbol(const std::string& text) { Call(bw_alert_set_symbol(handle_.get(), text.c_str())); }
@@ -589,7 +601,8 @@ class CAlert {
     return fired != 0;
   }
 
-  // ---- The incremental way: set the engine up once, prepare a script, then use the _Opt calls.
+  // ---- The incremental way: set the engine up once, prepare a script, set it as the alert script, then use the _Opt
+  // calls. What runs is the prepared script; the alert script switches it on.
 
   void InitialiseTransientStore(std::int32_t variablesSize) {
     detail::Check(bw_alert_initialise_transient_store(handle_.get(), variablesSize));

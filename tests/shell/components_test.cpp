@@ -113,6 +113,29 @@ TEST(AlertFace, TheIncrementalWayFiresToo) {
   EXPECT_EQ(alert.EditRecord_Opt(bar(77, 9.0), 0.0), std::optional<bool>(false));
 }
 
+TEST(AlertFace, NothingIsEvaluatedBeforeThereIsAnAlertScript) {
+  int fired = 0;
+  const auto count = [&](const std::string&, const std::string&, double, double) { ++fired; };
+  brindlewort::CAlert plain, incremental;
+  plain.OnAlert(count);
+  incremental.OnAlert(count);
+  incremental.InitialiseTransientStore(250);
+  ASSERT_TRUE(incremental.ProcessScripData("CLOSE > 10"));
+  for (int day = 0; day < 20; ++day) {
+    plain.AppendRecord(bar(day, 11.0), 0.0);
+    EXPECT_TRUE(incremental.AppendRecord_Opt(bar(day, 11.0), 0.0));
+  }
+  EXPECT_EQ(fired, 0);
+  plain.SetAlertScript("CLOSE > 10");  // evaluated at once
+  EXPECT_EQ(fired, 1);
+  incremental.SetAlertScript("CLOSE > 10");
+  EXPECT_EQ(fired, 2);
+  plain.SetAlertScript("1 > 0");
+  EXPECT_EQ(fired, 3);
+  plain.SetAlertScript("TRUE");  // four characters are no script
+  EXPECT_EQ(fired, 3);
+}
+
 TEST(AlertFace, AnExceptionOfACallbackReachesTheCaller) {
   brindlewort::CAlert alert;
   alert.OnAlert([](const std::string&, const std::string&, double, double) { throw 7; });

@@ -311,5 +311,13 @@ TEST_F(Examples, TheHostsInCAndCppPrintTheSeries) {
   EXPECT_EQ(runProgram(BRINDLEWORT_EMBED_C, {}, "").out, kEmbedOutput);
 }
 
+TEST_F(Examples, TheHostThatWatchesTellsTheOneBarOnWhichItsScriptFires) {
+  // The thirteenth bar closes at 13, above the mean of 11, 10 and 13; before it each close is below its mean.
+  const Outcome run = runProgram(BRINDLEWORT_WATCH_C, {}, "");
+  EXPECT_EQ(run.out, "XYZ turn 2460322.5 13.00\n");
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(run.code, 0);
+}
+
 }  // namespace
 }  // namespace brindlewort::tool
