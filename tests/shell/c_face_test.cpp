@@ -35,28 +35,6 @@ std::string taken(char* text) {
   return copy;
 }
 
-TEST(CFace, ANullHandleIsMinusOneEverywhere) {
-  double number = 0;
-  int32_t integer = 7;
-  char* text = nullptr;
-  const double* values = nullptr;
-  size_t count = 0;
-  EXPECT_EQ(bw_script_output_on_script_error(nullptr, nullptr, nullptr), -1);
-  EXPECT_EQ(bw_script_output_append_record(nullptr, 1, 1, 1, 1, 1, 1), -1);
-  EXPECT_EQ(bw_script_output_append_records(nullptr, nullptr, 0), -1);
-  EXPECT_EQ(bw_script_output_edit_record(nullptr, 1, 1, 1, 1, 1, 1, &integer), -1);
-  EXPECT_EQ(bw_script_output_clear_records(nullptr), -1);
-  EXPECT_EQ(bw_script_output_get_record_count(nullptr, &integer), -1);
-  EXPECT_EQ(bw_script_output_get_jdate(nullptr, 1, &number), -1);
-  EXPECT_EQ(bw_script_output_edit_jdate(nullptr, 1, 2, &integer), -1);
-  EXPECT_EQ(bw_script_output_get_script_output(nullptr, "1", 0, "", &text), -1);
-  EXPECT_EQ(bw_script_output_get_custom_ind_from_condition(nullptr, "1", &text), -1);
-  EXPECT_EQ(bw_script_output_get_series(nullptr, "A", &values, &count), -1);
-  EXPECT_EQ(integer, 7);
-  bw_script_output_destroy(nullptr);
-  bw_free(nullptr);
-}
-
 TEST(CFace, ANullResultPointerIsMinusOne) {
   const Handle h = rampOf(10);
   EXPECT_EQ(bw_script_output_edit_record(h.get(), 1, 1, 1, 1, 1, 1, nullptr), -1);

@@ -1,0 +1,217 @@
+// Every function of the C face, called without a handle: the status is -1, and nothing is written.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <set>
+#include <string>
+#include <tuple>
+#include <type_traits>
+
+#include "brindlewort/brindlewort.h"
+
+namespace {
+
+/// Where a call may write, and what stands there before it.
+template <class Value>
+struct Place {
+  static Value start() {
+    if constexpr (std::is_pointer_v<Value>) {
+      return nullptr;
+    } else {
+      return 7;
+    }
+  }
+  Value value = start();
+  operator Value*() { return &value; }
+  bool untouched() const { return value == start(); }
+};
+
+/// An argument that the function could work with if it had a handle.
+template <class Value>
+struct Given {
+  Value value = 1;
+  operator Value() { return value; }
+  bool untouched() const { return true; }
+};
+template <>
+struct Given<const char*> {
+  operator const char*() { return "CLOSE"; }
+  bool untouched() const { return true; }
+};
+/// A block of bars.
+template <>
+struct Given<const double*> {
+  double rows[7] = {1, 1, 1, 1, 1, 1, 1};
+  operator const double*() { return rows; }
+  bool untouched() const { return true; }
+};
+/// Callbacks and what is handed to them.
+template <class Pointer>
+struct Nothing {
+  operator Pointer() { return nullptr; }
+  bool untouched() const { return true; }
+};
+
+template <class Argument>
+auto argumentOf() {
+  if constexpr (!std::is_pointer_v<Argument> || std::is_same_v<Argument, const char*> ||
+                std::is_same_v<Argument, const double*>) {
+    return Given<Argument>{};
+  } else if constexpr (std::is_void_v<std::remove_pointer_t<Argument>> ||
+                       std::is_function_v<std::remove_pointer_t<Argument>>) {
+    return Nothing<Argument>{};
+  } else {
+    return Place<std::remove_pointer_t<Argument>>{};
+  }
+}
+
+template <class Handle, class... Arguments>
+void callWithoutHandle(const char* name, int32_t (*function)(Handle*, Arguments...)) {
+  std::tuple<decltype(argumentOf<Arguments>())...> arguments;
+  std::apply(
+      [&](auto&... argument) {
+        EXPECT_EQ(function(nullptr, argument...), -1) << name;
+        EXPECT_TRUE((true && ... && argument.untouched())) << name << " has written";
+      },
+      arguments);
+}
+
+struct FaceFunction {
+  const char* name;
+  void (*test)();
+};
+#define TAKES_A_HANDLE(function)                               \
+  {                                                            \
+#function, [] { callWithoutHandle(#function, &function); } \
+  }
+#define TAKES_NONE(function) \
+  {                          \
+#function, [] {}         \
+  }
+
+const FaceFunction kFunctions[] = {
+    TAKES_NONE(bw_version),
+    TAKES_NONE(bw_free),
+    TAKES_NONE(bw_script_output_create),
+    TAKES_NONE(bw_script_output_destroy),
+    TAKES_A_HANDLE(bw_script_output_on_script_error),
+    TAKES_A_HANDLE(bw_script_output_append_record),
+    TAKES_A_HANDLE(bw_script_output_append_records),
+    TAKES_A_HANDLE(bw_script_output_edit_record),
+    TAKES_A_HANDLE(bw_script_output_get_record_by_jdate),
+    TAKES_A_HANDLE(bw_script_output_get_record_by_index),
+    TAKES_A_HANDLE(bw_script_output_clear_records),
+    TAKES_A_HANDLE(bw_script_output_get_record_count),
+    TAKES_A_HANDLE(bw_script_output_get_jdate),
+    TAKES_A_HANDLE(bw_script_output_get_record_number_by_jdate),
+    TAKES_A_HANDLE(bw_script_output_edit_jdate),
+    TAKES_A_HANDLE(bw_script_output_to_julian_date),
+    TAKES_A_HANDLE(bw_script_output_from_julian_date),
+    TAKES_A_HANDLE(bw_script_output_get_script_output),
+    TAKES_A_HANDLE(bw_script_output_get_custom_ind_from_condition),
+    TAKES_A_HANDLE(bw_script_output_initialise_transient_store),
+    TAKES_A_HANDLE(bw_script_output_process_scrip_data),
+    TAKES_A_HANDLE(bw_script_output_set_data_retrieve_mode),
+    TAKES_A_HANDLE(bw_script_output_add_or_remove_basic_vector_series),
+    TAKES_A_HANDLE(bw_script_output_update_basic_vector_data),
+    TAKES_A_HANDLE(bw_script_output_get_variable_values_log),
+    TAKES_A_HANDLE(bw_script_output_append_record_new),
+    TAKES_A_HANDLE(bw_script_output_edit_record_new),
+    TAKES_A_HANDLE(bw_script_output_edit_jdate_new),
+    TAKES_A_HANDLE(bw_script_output_get_script_output_new),
+    TAKES_A_HANDLE(bw_script_output_get_custom_ind_from_condition_new),
+    TAKES_A_HANDLE(bw_script_output_get_script_output_ptr),
+    TAKES_A_HANDLE(bw_script_output_get_series),
+    TAKES_A_HANDLE(bw_script_output_get_script_help),
+    TAKES_NONE(bw_backtest_create),
+    TAKES_NONE(bw_backtest_destroy),
+    TAKES_A_HANDLE(bw_backtest_on_script_error),
+    TAKES_A_HANDLE(bw_backtest_set_random_seed),
+    TAKES_A_HANDLE(bw_backtest_append_record),
+    TAKES_A_HANDLE(bw_backtest_append_records),
+    TAKES_A_HANDLE(bw_backtest_edit_record),
+    TAKES_A_HANDLE(bw_backtest_get_record_by_jdate),
+    TAKES_A_HANDLE(bw_backtest_get_record_by_index),
+    TAKES_A_HANDLE(bw_backtest_clear_records),
+    TAKES_A_HANDLE(bw_backtest_get_record_count),
+    TAKES_A_HANDLE(bw_backtest_to_julian_date),
+    TAKES_A_HANDLE(bw_backtest_from_julian_date),
+    TAKES_A_HANDLE(bw_backtest_get_script_help),
+    TAKES_A_HANDLE(bw_backtest_backtest),
+    TAKES_A_HANDLE(bw_backtest_backtest_new),
+    TAKES_NONE(bw_alert_create),
+    TAKES_NONE(bw_alert_destroy),
+    TAKES_A_HANDLE(bw_alert_on_alert),
+    TAKES_A_HANDLE(bw_alert_on_script_error),
+    TAKES_A_HANDLE(bw_alert_append_record),
+    TAKES_A_HANDLE(bw_alert_append_records),
+    TAKES_A_HANDLE(bw_alert_edit_record),
+    TAKES_A_HANDLE(bw_alert_get_record_by_jdate),
+    TAKES_A_HANDLE(bw_alert_get_record_by_index),
+    TAKES_A_HANDLE(bw_alert_clear_records),
+    TAKES_A_HANDLE(bw_alert_get_record_count),
+    TAKES_A_HANDLE(bw_alert_to_julian_date),
+    TAKES_A_HANDLE(bw_alert_from_julian_date),
+    TAKES_A_HANDLE(bw_alert_get_script_help),
+    TAKES_A_HANDLE(bw_alert_get_jdate),
+    TAKES_A_HANDLE(bw_alert_edit_jdate),
+    TAKES_A_HANDLE(bw_alert_get_symbol),
+    TAKES_A_HANDLE(bw_alert_set_symbol),
+    TAKES_A_HANDLE(bw_alert_get_alert_name),
+    TAKES_A_HANDLE(bw_alert_set_alert_name),
+    TAKES_A_HANDLE(bw_alert_get_alert_script),
+    TAKES_A_HANDLE(bw_alert_set_alert_script),
+    TAKES_A_HANDLE(bw_alert_evaluate),
+    TAKES_A_HANDLE(bw_alert_initialise_transient_store),
+    TAKES_A_HANDLE(bw_alert_process_scrip_data),
+    TAKES_A_HANDLE(bw_alert_append_record_opt),
+    TAKES_A_HANDLE(bw_alert_edit_record_opt),
+    TAKES_A_HANDLE(bw_alert_get_variable_values_log),
+    TAKES_NONE(bw_validate_create),
+    TAKES_NONE(bw_validate_destroy),
+    TAKES_A_HANDLE(bw_validate_validate),
+    TAKES_A_HANDLE(bw_validate_get_constant),
+    TAKES_A_HANDLE(bw_validate_get_script_help),
+};
+
+/// What the public header declares, without its comments.
+std::set<std::string> declaredFunctions() {
+  std::ifstream file(BRINDLEWORT_HEADER, std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  text = std::regex_replace(text, std::regex(R"(/\*[^*]*\*+([^/*][^*]*\*+)*/)"), "");
+  const std::regex declaration(R"(BW_API[^;(]*\b(bw_\w+)\()");
+  std::set<std::string> names;
+  for (std::sregex_iterator it(text.begin(), text.end(), declaration), end; it != end; ++it)
+    names.insert((*it)[1]);
+  return names;
+}
+
+TEST(NullHandles, EveryFunctionOfTheHeaderIsTriedHere) {
+  std::set<std::string> tried;
+  for (const FaceFunction& function : kFunctions)
+    EXPECT_TRUE(tried.insert(function.name).second) << function.name;
+  const std::set<std::string> declared = declaredFunctions();
+  EXPECT_GE(declared.size(), 80u) << BRINDLEWORT_HEADER;
+  std::set<std::string> missing;
+  std::ranges::set_difference(declared, tried, std::inserter(missing, missing.end()));
+  for (const std::string& name : missing) ADD_FAILURE() << "kFunctions lacks " << name;
+  EXPECT_EQ(tried.size(), declared.size());
+}
+
+TEST(NullHandles, AreMinusOneForEveryFunction) {
+  for (const FaceFunction& function : kFunctions) function.test();
+}
+
+TEST(NullHandles, MayBeDestroyed) {
+  bw_script_output_destroy(nullptr);
+  bw_backtest_destroy(nullptr);
+  bw_alert_destroy(nullptr);
+  bw_validate_destroy(nullptr);
+  bw_free(nullptr);
+}
+
+}  // namespace
