@@ -42,7 +42,7 @@ function(brindlewort_layer name)
   set_property(GLOBAL APPEND PROPERTY BRINDLEWORT_LAYERS ${target})
 
   # A forwarding include root holding nothing but this layer's folder.
-  set(root "${CMAKE_BINARY_DIR}/layers/${target}")
+  set(root "${PROJECT_BINARY_DIR}/layers/${target}")
   get_filename_component(parent "${root}/${name}" DIRECTORY)
   file(MAKE_DIRECTORY "${parent}")
   file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${name}" "${root}/${name}" SYMBOLIC)

@@ -17,6 +17,7 @@ set(contents
   Brindlewort.dll "${BUILD_PATH}/bin/Brindlewort.dll"
   Brindlewort.tlb "${BUILD_PATH}/automation/Brindlewort.tlb"
   README.md "${CMAKE_CURRENT_LIST_DIR}/README.md"
+  LICENSE.txt "${CMAKE_CURRENT_LIST_DIR}/../../LICENSE"
   include/brindlewort_com.h "${BUILD_PATH}/automation/brindlewort_com.h"
   include/brindlewort_com_i.c "${BUILD_PATH}/automation/brindlewort_com_i.c")
 foreach(sample cpp/alert.cpp cpp/backtest.cpp cpp/output.cpp jscript/alert.js jscript/backtest.js jscript/output.js
