@@ -293,6 +293,7 @@ std::span<const ConstantGroup> constantGroups() {
        "For every argument called a moving average type: a word, or a number above 0 and below 9, whose "
        "whole part "
        "counts. n and first rows are those of the average named.",
+       "PO(CLOSE, 5, 20, SIMPLE) > 0",
        {{"SIMPLE", 1, "SMA"},
         {"EXPONENTIAL", 2, "EMA"},
         {"TIME_SERIES", 3, "TSMA"},
@@ -307,6 +308,7 @@ std::span<const ConstantGroup> constantGroups() {
         {"HULL", 10, "refused as a type; the function HA exists"}}},
       {"Operators of LOOP",
        "",
+       "LOOP(CLOSE, OPEN, 1, 0, ADD) > 0",
        {{"ADD", 1, "the earlier row plus vector 2"},
         {"SUBTRACT", 2, "the earlier row less vector 2"},
         {"MULTIPLY", 3, "the earlier row times vector 2"},
@@ -314,12 +316,15 @@ std::span<const ConstantGroup> constantGroups() {
         {"MOD", 5, "no operator of LOOP: the result stays vector 1"}}},
       {"Directions",
        "What TREND answers.",
+       "TREND(CLOSE, 5) = UP",
        {{"UP", 1, "the series rises"}, {"DOWN", 2, "the series falls"}, {"SIDEWAYS", 3, "neither"}}},
       {"Units",
        "The last argument of VO.",
+       "VO(5, 20, SIMPLE, POINTS) > 0",
        {{"POINTS", 1, "the distance of the averages"}, {"PERCENT", 2, "the distance in percent"}}},
       {"Truth and circle",
        "",
+       "CROSSOVER(CLOSE, OPEN) = TRUE",
        {{"TRUE", 1, "what a condition that holds gives"},
         {"FALSE", 0, "what a condition that fails gives"},
         {"PI", 3.1415927410125732, "the circle's circumference by its diameter, in single precision"}}},
@@ -327,6 +332,7 @@ std::span<const ConstantGroup> constantGroups() {
        "What CSP() is compared with. The candle before is that of the bar before; a long body is longer than "
        "the "
        "average true range.",
+       "CSP() = LONG_BODY",
        {{"LONG_BODY", 1, "a long body"},
         {"DOJI", 2, "open and close less than a twentieth of the bar's range apart"},
         {"HAMMER", 3,

@@ -53,6 +53,7 @@ struct ConstantNotes {
 struct ConstantGroup {
   std::string_view title;
   std::string_view text;
+  std::string_view example;  ///< an expression that uses the group's first word
   std::vector<ConstantNotes> constants;
 };
 std::span<const ConstantGroup> constantGroups();

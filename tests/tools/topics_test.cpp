@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "functions/function_table.hpp"
@@ -67,6 +68,7 @@ TEST_F(Help, WithoutANameItListsCommandsAndTopics) {
   EXPECT_EQ(run.code, 0);
   EXPECT_EQ(run.out.substr(0, run.out.find("\nManual pages")), this->run({"--help"}).out);
   EXPECT_NE(run.out.find(" CROSSOVER,"), std::string::npos);
+  EXPECT_NE(run.out.find(" EQV,"), std::string::npos);
 }
 
 TEST_F(Help, PrintsTheManualPageOfAName) {
@@ -83,6 +85,36 @@ TEST_F(Help, AFunctionWithoutAPageHasItsReferenceSection) {
   const Outcome run = this->run({"help", "ultosc"});
   EXPECT_EQ(run.code, 0);
   EXPECT_EQ(run.out, this->run({"functions", "ULTOSC"}).out);
+}
+
+TEST_F(Help, TheSwingFunctionsHaveTheirOwnSection) {
+  for (const char* name : {"%SWING", "%swingd", "%SwingPTop(5, 0)"}) {
+    const Outcome run = this->run({"help", name});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out.substr(0, 7), "%SWING" + run.out.substr(6, 1)) << name;
+    EXPECT_NE(run.out.find("turns when the price reverses by percent"), std::string::npos) << name;
+  }
+}
+
+TEST_F(Help, WordsAndSignsOfTheLanguageHaveASection) {
+  const std::pair<const char*, const char*> wanted[] = {
+      {"AND", "A AND B: both."},
+      {"set", "SET NAME = EXPRESSION"},
+      {"CLOSE", "LAST is CLOSE"},
+      {"TRUE", "TRUE, the number 1\n\nwhat a condition that holds gives\n"},
+      {"DOJI", "DOJI, the number 2\n\nopen and close less than a twentieth of the bar's range apart\n"},
+      {"exponential", "EXPONENTIAL, the number 2\n\nEMA\n\nMoving average types: SIMPLE, EXPONENTIAL,"},
+      {"PERCENT", "The last argument of VO."},
+      {" >= ", "=> is >="},
+      {"*", "1 + 2 * 3 is 9"},
+  };
+  for (const auto& [word, part] : wanted) {
+    const Outcome run = this->run({"help", word});
+    EXPECT_EQ(run.code, 0) << word;
+    EXPECT_NE(run.out.find(part), std::string::npos) << word << '\n' << run.out;
+  }
+  // A constant that is a function's name too leads to the function.
+  EXPECT_EQ(this->run({"help", "ZLEMA"}).out, this->run({"functions", "ZLEMA"}).out);
 }
 
 TEST_F(Help, AnUnknownNameTellsNearOnes) {

@@ -26,7 +26,9 @@ std::string toolHelp(const CLI::App& app) {
 std::string listOfTopics() {
   return "\nManual pages of the script language, by 'brindlewort help NAME':\n" +
          inLines(pageNames(), "  ", kLineWidth) +
-         "A name that only 'brindlewort functions' lists has a section of the reference page instead.\n";
+         "A name that only 'brindlewort functions' lists has a section of the reference page instead.\n"
+         "\nWords and signs of the language, by the same:\n" +
+         inLines(wordNames(), "  ", kLineWidth);
 }
 
 [[noreturn]] void failForName(CLI::App& app, const std::string& name) {

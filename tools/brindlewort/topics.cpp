@@ -7,6 +7,7 @@
 #include "functions/function_table.hpp"
 #include "series/text.hpp"
 #include "shell/help/script_help.hpp"
+#include "word_section.hpp"
 
 namespace brindlewort::tool {
 namespace {
@@ -32,18 +33,32 @@ bool oneIsPartOfTheOther(std::string_view a, std::string_view b) {
 
 std::string topicText(std::string_view name) {
   if (const std::string_view page = manualPage(name); !page.empty()) return std::string(page) + '\n';
-  return describeFunction(functionTable(), trim(name.substr(0, name.find('(')))).value_or(std::string());
+  if (const auto section = describeFunction(functionTable(), trim(name.substr(0, name.find('(')))))
+    return *section;
+  return reference::wordText(upperCase(trim(name)));
 }
 
 std::vector<std::string_view> pageNames() {
   std::vector<std::string_view> names;
-  for (const HelpName& entry : helpNames()) names.push_back(entry.name);
+  for (const HelpName& entry : helpNames()) {
+    if (!manualPage(entry.name).empty()) names.push_back(entry.name);
+  }
   sortUnique(names);
   return names;
 }
 
+std::vector<std::string_view> wordNames() {
+  const auto isFunction = [](std::string_view word) {
+    return findFunction(word, Path::kWholeHistory).row != nullptr;
+  };
+  std::vector<std::string_view> words = reference::languageWords();
+  std::erase_if(words, isFunction);
+  return words;
+}
+
 std::vector<std::string_view> topicNames() {
   std::vector<std::string_view> names = pageNames();
+  for (const std::string_view word : reference::languageWords()) names.push_back(word);
   for (const FunctionRow& row : functionTable()) {
     for (const FunctionName& entry : row.names) names.push_back(entry.name);
   }

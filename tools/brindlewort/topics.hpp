@@ -9,7 +9,7 @@
 namespace brindlewort::tool {
 
 /// What is known about a name of the script language, as text: its manual page, or the section of the
-/// reference page for a function without one. Empty for an unknown name.
+/// reference page for a function without one, for a word or a sign. Empty for an unknown name.
 std::string topicText(std::string_view name);
 
 /// All names that topicText() knows, by the alphabet.
@@ -17,6 +17,9 @@ std::vector<std::string_view> topicNames();
 
 /// The names that have a manual page of their own, by the alphabet.
 std::vector<std::string_view> pageNames();
+
+/// The words and signs of the language that are no functions, subject by subject.
+std::vector<std::string_view> wordNames();
 
 /// The names that somebody who typed `wanted` may have meant: the nearest first, at most `most`. Case makes
 /// no difference. A name is near when few slips lie between the two (a letter more, less, wrong, or two that

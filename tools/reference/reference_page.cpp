@@ -5,6 +5,8 @@
 #include <cctype>
 #include <charconv>
 
+#include "functions/language_notes.hpp"
+
 namespace brindlewort::reference {
 namespace {
 
@@ -169,6 +171,20 @@ std::string numberText(double number) {
   return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr};
 }
 
+std::string exampleBlock(std::string_view script) {
+  return "```text\n" + std::string(script) + "\n```\n";
+}
+
+std::string wordsAndSigns() {
+  std::string text = "\n## Words and signs\n";
+  for (const LanguageNotes& notes : languageNotes()) {
+    text += "\n### " + std::string(notes.title) + "\n\n" + codeList(notes.words) + "\n\n";
+    for (const std::string_view part : notes.paragraphs) text += wrapped(escaped(part), kWidth) + "\n\n";
+    text += exampleBlock(notes.example);
+  }
+  return text;
+}
+
 std::string constants() {
   std::string text = "\n## Named constants\n";
   for (const ConstantGroup& group : constantGroups()) {
@@ -179,6 +195,7 @@ std::string constants() {
       text += tableRow(
           {'`' + std::string(constant.word) + '`', numberText(constant.number), escaped(constant.text)});
     }
+    text += '\n' + exampleBlock(group.example);
   }
   return text;
 }
@@ -256,7 +273,7 @@ std::string markdown(const FunctionSection& section) {
 
 std::string referencePage() {
   return std::string(kTop) + indexTable() + namesOfFewerWays() + std::string(kWords) + sections() +
-         constants();
+         wordsAndSigns() + constants();
 }
 
 }  // namespace brindlewort::reference

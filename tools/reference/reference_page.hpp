@@ -7,8 +7,8 @@
 
 namespace brindlewort::reference {
 
-/// docs/functions.md: an index, the words of the texts, a section for each row of the function table, and the
-/// named constants.
+/// docs/functions.md: an index, the words of the texts, a section for each row of the function table, the
+/// words and signs of the language, and the named constants.
 std::string referencePage();
 
 /// A section as Markdown, under a heading of the third level.

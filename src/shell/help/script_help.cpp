@@ -11,7 +11,6 @@ namespace {
 
 /// Spellings that scripts may use and a component's help does not know.
 constexpr HelpName kFurtherNames[] = {
-    {"%SWING", 118},
     {"MACDS", 162},
     {"STOCHASTICOSCILLATORPCTK", 164},
     {"STOCHASTICOSCILLATORPCTD", 164},
@@ -22,6 +21,9 @@ constexpr HelpName kFurtherNames[] = {
     {"STANDARDDEVIATION", 189},
     {"CANDLESTICKS", 191},
 };
+
+/// Names that a component's help leads to the page of another function, which only mentions them.
+constexpr std::string_view kWithoutPage[] = {"%SWINGPTOP", "%SWINGPBOT", "%SWINGD"};
 
 }  // namespace
 
@@ -37,6 +39,7 @@ std::string scriptHelp(std::string_view currentFunction) {
 
 std::string_view manualPage(std::string_view name) {
   const std::string wanted = upperCase(trim(name.substr(0, name.find('('))));
+  if (std::ranges::count(kWithoutPage, wanted) > 0) return {};
   const int id = findHelpId(helpNames(), wanted);
   return helpText(id != 0 ? id : findHelpId(kFurtherNames, wanted));
 }

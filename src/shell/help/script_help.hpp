@@ -15,7 +15,7 @@ std::string_view helpText(int id);
 std::string scriptHelp(std::string_view currentFunction);
 
 /// The page for a name that somebody typed: blanks around it and a "(" with all that follows are no part of
-/// it, and the further spellings of a function lead to its page too. Empty when there is none.
+/// it, and the further spellings of a function lead to its page too. Empty when there is none of its own.
 std::string_view manualPage(std::string_view name);
 
 }  // namespace brindlewort
