@@ -8,6 +8,9 @@
  * number for true, texts as UTF-8 that the caller frees with bw_free. A text result is null when the call
  * returns nothing. A null text argument reads as "". No function throws, and none keeps a pointer that the
  * caller gave, save for callbacks. One handle is used by one thread at a time.
+ *
+ * The lines of a script end with CR LF. A line feed alone ends none: the lines around it are read as one, and what is
+ * told of them is a name with a line feed in it ("Error: Undefined variable 'CLOSE\nA'"). Replace it before the call.
  */
 
 #include <stddef.h>

@@ -249,7 +249,8 @@ class CScriptOutput {
     return Take(text).value_or(std::string());
   }
 
-  // ---- Scripts. Texts are UTF-8; a line break is CR LF.
+  // ---- Scripts. Texts are UTF-8. The lines of a script end with CR LF; a line feed alone ends none, and an error then
+  // tells of a name with a line feed in it.
 
   /// The series of a script as text, a line a bar. MapCount: the first bar to report, counted from 1; 0
   /// reports all; -1 gives instead the numbers of the bars where the script's last expression is 1.

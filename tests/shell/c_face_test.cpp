@@ -80,6 +80,19 @@ TEST(CFace, AnErrorIsToldByTheEventUntilItIsRemoved) {
   EXPECT_EQ(told, "");
 }
 
+TEST(CFace, ALineFeedAloneEndsNoLineOfAScript) {
+  const Handle h = rampOf(10);
+  std::string told;
+  bw_script_output_on_script_error(
+      h.get(), [](void* user, const char* text) { *static_cast<std::string*>(user) = text; }, &told);
+  char* text = nullptr;
+  EXPECT_EQ(bw_script_output_get_script_output(h.get(), "SET A = CLOSE\nA > 0", 0, "", &text), 0);
+  EXPECT_EQ(text, nullptr);
+  EXPECT_EQ(told, "Error: Undefined variable 'CLOSE\nA'");
+  EXPECT_EQ(bw_script_output_get_script_output(h.get(), "SET A = CLOSE\r\nA > 0", 0, "", &text), 0);
+  EXPECT_NE(taken(text), "(null)");
+}
+
 TEST(CFace, EditRecordReplacesTheFirstBarOfADate) {
   Handle h(bw_script_output_create());
   for (int i = 0; i < 10; ++i) bw_script_output_append_record(h.get(), 2444300.5, 1, 1, 1, 1, 1);
