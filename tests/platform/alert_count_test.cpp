@@ -206,17 +206,38 @@ TEST_F(AlertCountTest, AKilledProcessCountsNoMore) {
   EXPECT_EQ(count.live(kMany), 3);
 }
 
+/// A number that a process and its children have in common.
+class SharedNumber {
+ public:
+  SharedNumber()
+      : number_(new (mmap(nullptr, sizeof *number_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1,
+                          0)) std::atomic<int>(0)) {}
+  ~SharedNumber() { munmap(number_, sizeof *number_); }
+  SharedNumber(const SharedNumber&) = delete;
+  SharedNumber& operator=(const SharedNumber&) = delete;
+
+  void add() { ++*number_; }
+  void waitFor(int least) {
+    while (*number_ < least) sched_yield();
+  }
+
+ private:
+  std::atomic<int>* number_;
+};
+
 TEST_F(AlertCountTest, AProcessKilledAtAnyMomentBlocksNobody) {
   AlertCount count(name);
   for (int round = 0; round < 20; ++round) {
+    SharedNumber entered;
     Child child([&](auto) {
       AlertCount own(name);
       for (;;) {
         own.enter(kMany);
+        entered.add();
         own.leave();
       }
     });
-    usleep(static_cast<useconds_t>(500 + 137 * round));
+    entered.waitFor(1 + 7 * round);
     child.killNow();
     EXPECT_FALSE(count.enter(1)) << round;
     count.leave();
@@ -237,20 +258,30 @@ int lockByte(const std::string& name, off_t at) {
 }
 
 TEST_F(AlertCountTest, WhoEntersWaitsForTheOneAtTheGate) {
-  // The child is in the middle of entering for a tenth of a second.
+  // The child is in the middle of entering until this process has come to the gate.
   AlertCount count(name);
   enterTimes(count, 1);
   Child child([&](auto waitForTheEnd) {
     const int gate = lockByte(name, 0);
     waitForTheEnd();
-    usleep(100'000);
     lockByte(name, off_t{1} << 40);
     close(gate);
     pause();
   });
   ASSERT_TRUE(child.isReady());
+  std::atomic<bool> comes = false;
+  bool isBeyond = false;
+  std::thread enters([&] {
+    comes = true;
+    isBeyond = count.enter(2);
+  });
+  // From its word to the gate the thread has a few steps to go, for which many others stand aside.
+  constexpr int kMany = 2000;
+  while (!comes) sched_yield();
+  for (int i = 0; i < kMany; ++i) sched_yield();
   child.tell();
-  EXPECT_TRUE(count.enter(2));
+  enters.join();
+  EXPECT_TRUE(isBeyond);
 }
 
 TEST_F(AlertCountTest, AProcessStoppedAtTheGateHoldsNobodyUpForEver) {
@@ -353,20 +384,22 @@ TEST_F(AlertCountTest, AForkedChildLeavesItsParentsCountAlone) {
   EXPECT_EQ(count.live(kMany), 3);
 }
 
-/// A child of a child, which outlives it.
-void expectNothingOutlivesAKilledParent(const std::string& name, void (*inTheGrandchild)()) {
+/// A child of a child, which outlives it. What runs in it closes `running` when it has come to its work.
+void expectNothingOutlivesAKilledParent(const std::string& name, void (*inTheGrandchild)(int running)) {
   AlertCount count(name);
-  int pids[2];
+  int pids[2], running[2];
   ASSERT_EQ(pipe(pids), 0);
+  ASSERT_EQ(pipe2(running, O_CLOEXEC), 0);
   Child child([&](auto waitForTheEnd) {
     AlertCount own(name);
     enterTimes(own, 5);
     const pid_t grandchild = fork();
     if (grandchild == 0) {
       alarm(kLongestLife);
-      inTheGrandchild();
+      inTheGrandchild(running[1]);
       _exit(1);
     }
+    close(running[1]);
     if (write(pids[1], &grandchild, sizeof grandchild) < 0) _exit(2);
     waitForTheEnd();
   });
@@ -376,7 +409,10 @@ void expectNothingOutlivesAKilledParent(const std::string& name, void (*inTheGra
   close(pids[0]);
   close(pids[1]);
   EXPECT_EQ(count.live(kMany), 5);
-  usleep(50'000);  // the program that it starts is running by then
+  close(running[1]);
+  char byte = 0;
+  EXPECT_EQ(read(running[0], &byte, 1), 0);
+  close(running[0]);
   child.killNow();
   ASSERT_GT(grandchild, 0);
   EXPECT_EQ(kill(grandchild, 0), 0);
@@ -385,11 +421,15 @@ void expectNothingOutlivesAKilledParent(const std::string& name, void (*inTheGra
 }
 
 TEST_F(AlertCountTest, AForkedChildKeepsNothingOfAKilledParent) {
-  expectNothingOutlivesAKilledParent(name, [] { pause(); });
+  expectNothingOutlivesAKilledParent(name, [](int running) {
+    close(running);
+    pause();
+  });
 }
 
 TEST_F(AlertCountTest, AStartedProgramKeepsNothingOfAKilledParent) {
-  expectNothingOutlivesAKilledParent(name, [] { execlp("sleep", "sleep", "60", nullptr); });
+  // The start of the program closes the pipe.
+  expectNothingOutlivesAKilledParent(name, [](int) { execlp("cat", "cat", "/dev/zero", nullptr); });
 }
 
 // ---- The shared memory object

@@ -114,13 +114,14 @@ std::size_t ExitSearch::findPriceHit(std::size_t row, std::size_t end, Position&
   if (!position.isGuarded()) return end;
   // Trades that follow one another walk over each bar once. Only entries that find no exit, or dates that
   // fall, bring the walk back again and again.
-  if (!ranges_ && barsWalked_ > 2 * bars_.size()) ranges_.emplace(bars_);
+  if (!ranges_ && steps_ > 2 * bars_.size()) ranges_.emplace(bars_);
   const auto passes = [&](const PriceRange& range) { return position.passes(range); };
   while (row < end) {
     std::size_t blockEnd = end;
     if (ranges_) {
       if (const std::size_t passed = ranges_->largestBlock(row, end, passes)) {
         row += passed;
+        ++steps_;
         continue;
       }
       blockEnd = std::min(end, (row / PriceRanges::kSmallestBlock + 1) * PriceRanges::kSmallestBlock);
@@ -130,7 +131,7 @@ std::size_t ExitSearch::findPriceHit(std::size_t row, std::size_t end, Position&
       rule = position.meet(bars_[row]);
       if (rule != kTradeNone) break;
     }
-    barsWalked_ += row - first;
+    steps_ += row - first;
     if (row < blockEnd) return row;
   }
   return end;

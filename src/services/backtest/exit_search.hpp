@@ -34,6 +34,10 @@ class ExitSearch {
   /// far from each other, so that most of their time would be waiting.
   void expectSearchFrom(std::int32_t bar) const;
 
+  /// How many bars all searches so far have looked at one by one, and how many blocks of bars they have
+  /// passed over.
+  std::size_t steps() const { return steps_; }
+
  private:
   template <class Side>
   bool findExit(std::int32_t firstBar, std::int32_t lastBar, SignalRecord& entry);
@@ -42,8 +46,8 @@ class ExitSearch {
 
   const RunBars& bars_;
   const BacktestParams& params_;
-  std::size_t barsWalked_ = 0;
-  std::optional<PriceRanges> ranges_;  ///< made when bars have been walked again and again
+  std::size_t steps_ = 0;
+  std::optional<PriceRanges> ranges_;  ///< made when bars have been looked at again and again
 };
 
 }  // namespace brindlewort

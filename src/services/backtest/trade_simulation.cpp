@@ -28,22 +28,25 @@ class RecordsOfType {
   /// The first record of the type behind position `i`, or null.
   const SignalRecord* firstAfter(std::size_t i) {
     next_ = std::max(next_, i + 1);
-    while (next_ < records_.size() && records_[next_].TradeType != type_) ++next_;
+    while (next_ < records_.size() && records_[next_].TradeType != type_) ++next_, ++steps_;
     return next_ < records_.size() ? &records_[next_] : nullptr;
   }
+  std::size_t steps() const { return steps_; }
 
  private:
   const std::vector<SignalRecord>& records_;
   TradeCode type_;
   std::size_t next_ = 0;
+  std::size_t steps_ = 0;
 };
 
 /// The position at which the pass goes on behind a trade that the record at `i` has opened: that of the first
 /// signal on the exit's bar or after it. Trades that end behind the last signal end the pass.
-std::size_t positionAfter(const std::vector<SignalRecord>& sorted, std::size_t i, const SignalRecord& exit) {
+std::size_t positionAfter(const std::vector<SignalRecord>& sorted, std::size_t i, const SignalRecord& exit,
+                          std::size_t& steps) {
   if (exit.BarIndex > sorted.back().BarIndex) return sorted.size();
   std::size_t next = i + 1;
-  while (next < sorted.size() && sorted[next].BarIndex < exit.BarIndex) ++next;
+  while (next < sorted.size() && sorted[next].BarIndex < exit.BarIndex) ++next, ++steps;
   return next < sorted.size() ? next : i + 1;
 }
 
@@ -73,8 +76,9 @@ void putExitsFirst(std::vector<SignalRecord>& signals) {
 }
 
 std::vector<SignalRecord> pairSignals(const std::vector<SignalRecord>& sorted, const RunBars& bars,
-                                      const BacktestParams& params) {
+                                      const BacktestParams& params, PairingSteps* steps) {
   std::vector<SignalRecord> trades;
+  std::size_t passed = 0;
   ExitSearch search(bars, params);
   RecordsOfType longExits(sorted, kTradeExitLong);
   RecordsOfType shortExits(sorted, kTradeExitShort);
@@ -98,8 +102,9 @@ std::vector<SignalRecord> pairSignals(const std::vector<SignalRecord>& sorted, c
     exit.TradeType = isLong ? kTradeExitLong : kTradeExitShort;
     trades.push_back(entry);
     trades.push_back(exit);
-    i = positionAfter(sorted, i, exit);
+    i = positionAfter(sorted, i, exit, passed);
   }
+  if (steps) *steps = {passed + longExits.steps() + shortExits.steps(), search.steps()};
   return trades;
 }
 

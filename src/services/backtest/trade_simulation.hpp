@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -18,10 +19,18 @@ void sortSignals(std::vector<SignalRecord>& signals);
 /// One pass over sorted signals: an entry and an exit of one bar change places where the entry stands first.
 void putExitsFirst(std::vector<SignalRecord>& signals);
 
+/// How much a pairing has looked at: signals in search of another, and bars (or blocks of them) in search of
+/// an exit.
+struct PairingSteps {
+  std::size_t signals = 0;
+  std::size_t bars = 0;
+};
+
 /// The trades of sorted signals: entry, exit, entry, exit. An entry whose exit is not found leaves no trace.
-/// Beyond sorting, the time grows with the signals and the bars, whether exits are found or not.
+/// The steps, which are told when asked for, grow with the signals and the bars, whether exits are found or
+/// not.
 std::vector<SignalRecord> pairSignals(const std::vector<SignalRecord>& sorted, const RunBars& bars,
-                                      const BacktestParams& params);
+                                      const BacktestParams& params, PairingSteps* steps = nullptr);
 
 /// Drops an entry at the end of the list that no exit follows. An entry that is alone in the list stays.
 void dropOpenEntry(std::vector<SignalRecord>& trades);
