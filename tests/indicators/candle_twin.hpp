@@ -7,7 +7,7 @@
 
 #include "support/series_checks.hpp"
 
-/// A slow recogniser of candlestick patterns, written step by step from the rules, and hand-made candles that
+/// A slow recogniser of candlestick patterns, pattern by pattern, and hand-made candles that
 /// fire each pattern that can fire.
 namespace brindlewort::testing {
 

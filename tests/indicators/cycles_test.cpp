@@ -105,7 +105,7 @@ bool isPrimeByDivision(std::int64_t v) {
   return true;
 }
 
-/// The rule told step by step, for values of moderate size.
+/// The formula step by step, for values of moderate size.
 Rows primesTwin(const Rows& in, bool living) {
   Rows out(in.size(), kNull);
   double lower = 0.0, upper = 0.0;

@@ -86,7 +86,7 @@ inline constexpr Count kHopelessPeriods[] = {0, -1, INT32_MIN, 1000, INT32_MAX};
 inline constexpr Count kAllTypes[] = {kSimple,     kExponential, kTimeSeries, kVariable,
                                       kTriangular, kWeighted,    kVidya,      kWilder};
 
-/// The row count as the rules count.
+/// How many rows there are, as a number that may become negative.
 inline Count countOf(const Rows& rows) {
   return static_cast<Count>(rows.size());
 }

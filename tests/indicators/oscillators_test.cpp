@@ -17,7 +17,7 @@ Rows batchRsi(const Rows& in, Count p) {
   return batchRows(in.size(), [&](Out out) { CFeedkit::RelativeStrengthIndex(in, p, out); });
 }
 
-/// The rule told step by step; `living` picks the form.
+/// The formula step by step; `living` picks the form.
 Rows rsiTwin(const Rows& in, Count p, bool living) {
   const Count n = countOf(in);
   Rows out(in.size(), kNull);

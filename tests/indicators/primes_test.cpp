@@ -8,7 +8,7 @@
 namespace brindlewort {
 namespace {
 
-/// The rule as told: 2 and 3 are tried above 3, then 5, 7, 11, 13, ... up to the root and one more.
+/// By division: 2 and 3 are tried above 3, then 5, 7, 11, 13, ... up to the root and one more.
 bool isPrimeByDivision(std::int64_t v) {
   if (v > 3 && (v % 2 == 0 || v % 3 == 0)) return false;
   if (v <= 3) return true;

@@ -32,7 +32,7 @@ double resumableIntercept(double Sy, double p, double slope) {
   return Sy / p - p * slope / 2;
 }
 
-/// The rule step by step, with a working array y[1..p] whose first element is erased for each new row.
+/// The sums step by step, with a working array y[1..p] whose first element is erased for each new row.
 Rows literalRegression(View in, Count periods, Count first, RegressionLine line,
                        double (*interceptRule)(double, double, double)) {
   const Count n = rowsOf(in);

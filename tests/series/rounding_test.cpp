@@ -21,7 +21,7 @@ using testing::sameBits;
 
 constexpr RoundMode kModes[] = {RoundMode::kUp, RoundMode::kDown, RoundMode::kNearest};
 
-/// The rules written down step by step, with the power computed each time.
+/// The arithmetic step by step, with the power computed each time.
 struct Literal {
   static double truncate(double value, int digits) {
     if (value == -987654321.0 || std::isnan(value) || std::isinf(value)) return -987654321.0;

@@ -95,7 +95,7 @@ class CAlert {
   /// evaluation, when the engine does not take the bar (it is replaced all the same).
   std::optional<bool> EditRecord_Opt(double JDate, double OpenPrice, double HighPrice, double LowPrice,
                                      double ClosePrice, std::int32_t Volume, double dJDateOfLTT);
-  /// Accepted for old hosts; writes nothing.
+  /// Accepted; writes nothing.
   void GetVariableValuesLog(std::string_view path);
 
   const BarStore& bars() const { return bars_; }

@@ -88,7 +88,7 @@ class CScriptOutput {
   void AddOrRemoveBasicVectorSeries(std::string_view name, std::int32_t size);
   /// Adds a row to such a series (11) or changes its last (22).
   void UpdateBasicVectorData(std::string_view name, double value, std::uint8_t AddorUpdate);
-  /// Accepted for old hosts; writes nothing.
+  /// Accepted; writes nothing.
   void GetVariableValuesLog(std::string_view path);
 
   /// False when memory runs out; no bar is added then.

@@ -146,7 +146,7 @@ TEST(PerformanceStats, MonteCarloOfFewOrEqualValues) {
   EXPECT_EQ(monteCarlo({1, 1, 1}, 1), 0.0);
 }
 
-/// The rule without any short cut.
+/// The shuffles one by one, without any short cut.
 double plainMonteCarlo(const Rows& values, std::int64_t seed) {
   platform::Random15 random(seed);
   const int n = static_cast<int>(values.size());

@@ -8,7 +8,7 @@
 
 namespace brindlewort::testing {
 
-/// The walk as the rules tell it, without any short cut.
+/// The walk from bar to bar, without any short cut.
 inline bool plainFindExit(const std::vector<Bar>& bars, const BacktestParams& p, int firstBar, int lastBar,
                           SignalRecord& e) {
   const int n = static_cast<int>(bars.size());

@@ -1,5 +1,5 @@
-// The checks against slow twins that do what the rules say word by word: each operator in turn, names cut out
-// of the text, the text cut behind each separator.
+// The checks against slow twins: each operator in turn, names cut out of the text, the text cut behind each
+// separator.
 
 #include <gtest/gtest.h>
 
