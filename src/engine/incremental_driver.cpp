@@ -11,10 +11,6 @@ namespace brindlewort {
 
 namespace {
 
-/// Shown only when a statement fails without saying why.
-constexpr std::string_view kStatementFailed = "God knows what went wrong! Debug";
-constexpr std::string_view kMainFailed = "God knows what went wrong! Debug again";
-
 /// The price variables, which a new script leaves in place.
 constexpr std::size_t kPriceVariables = 5;
 
@@ -81,11 +77,10 @@ std::string CScriptEngine::runStatements() {
   }
   for (std::size_t i = 0; i + 1 < prepared_.size(); ++i) {
     EvaluateFast(*prepared_[i]);
-    if (!errorText.empty()) return std::string(kStatementFailed);
+    if (!errorText.empty()) return {};
   }
   resultEntry = &EvaluateFast(*prepared_.back());
-  if (!errorText.empty()) return std::string(kMainFailed);
-  return resultEntry->value != 0.0 ? "ALERT" : "";
+  return errorText.empty() && resultEntry->value != 0.0 ? "ALERT" : "";
 }
 
 }  // namespace brindlewort

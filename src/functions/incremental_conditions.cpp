@@ -36,9 +36,7 @@ void bindCondition(CScriptEngine& engine, CallSite& site) {
 /// Evaluates an expression of the function's own; null when that fails.
 const StoreEntry* evaluatePart(CScriptEngine& engine, CallSite& site, std::size_t part) {
   const StoreEntry& entry = engine.EvaluateFast(*site.parts[part]);
-  if (engine.errorText.empty()) return &entry;
-  engine.ReportFunction(site.name, std::string(ownText(site, part)) + "not found.");
-  return nullptr;
+  return engine.errorText.empty() ? &entry : nullptr;
 }
 
 bool bindIf(CScriptEngine& engine, CallSite& site) {

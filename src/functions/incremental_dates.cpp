@@ -10,12 +10,14 @@ namespace {
 
 constexpr std::size_t kUnit = 3;  // the slot that keeps the part or unit
 
-/// A number of bars, or a series of such numbers, whose absence is reported as invalid.
-bool bindBack(CScriptEngine& engine, CallSite& site, std::size_t slot, std::string_view text,
-              std::string_view label) {
-  if (IsNumberText(text)) return bindOffset(engine, site, slot, text, label);
+/// A number of bars, or a series of such numbers, whose absence the look for it reports. `text` is not empty.
+bool bindBack(CScriptEngine& engine, CallSite& site, std::size_t slot, std::string_view text) {
+  if (IsNumberText(text)) {
+    site.numbers[slot] = static_cast<double>(magnitude(parseInt32(text)));
+    return true;
+  }
   site.series[slot] = engine.GetVectorRef(text);
-  return site.series[slot] || engine.ReportInvalid(site.name, label);
+  return site.series[slot] != nullptr;
 }
 
 bool backInRange(CScriptEngine& engine, const CallSite& site, std::size_t slot, std::string_view what) {
@@ -42,7 +44,7 @@ bool bindDatePart(CScriptEngine& engine, CallSite& site) {
   if (slots[0].empty()) return engine.ReportRequired(site.name, "datepart reference");
   datesOf(engine);
   if (slots[1].empty()) return engine.ReportRequired(site.name, "datepart period");
-  return bindUnit(engine, site, slots[1], 6) && bindBack(engine, site, 0, slots[0], "source");
+  return bindUnit(engine, site, slots[1], 6) && bindBack(engine, site, 0, slots[0]);
 }
 
 bool runDatePart(CScriptEngine& engine, CallSite& site, ScriptVariable& result) {
@@ -59,8 +61,8 @@ bool bindDateDiff(CScriptEngine& engine, CallSite& site) {
   if (slots[1].empty()) return engine.ReportRequired(site.name, "datepart reference 2");
   datesOf(engine);
   if (slots[2].empty()) return engine.ReportRequired(site.name, "datepart periods");
-  return bindUnit(engine, site, slots[2], 4) && bindBack(engine, site, 0, slots[0], "date1_source") &&
-         backInRange(engine, site, 0, "DATEPART(d1)") && bindBack(engine, site, 1, slots[1], "date2_source");
+  return bindUnit(engine, site, slots[2], 4) && bindBack(engine, site, 0, slots[0]) &&
+         backInRange(engine, site, 0, "DATEPART(d1)") && bindBack(engine, site, 1, slots[1]);
 }
 
 bool runDateDiff(CScriptEngine& engine, CallSite& site, ScriptVariable& result) {

@@ -152,7 +152,6 @@ class CScriptEngine {
   std::vector<Field> fields;                       ///< "D", "O", "H", "L", "C", "V" of the run
   RunBars bars;
   bool barsStand = false;     ///< no bar changes from run to run, so the price series are made but once
-  std::string outputSummary;  ///< name and value pairs of the last output, for the host's diagnostics
   std::uint32_t startTicks = 0;
   std::vector<std::string> outputNames;  ///< names of the series to be printed, in order of making
   bool paddedData = false;               ///< the run uses made-up bars

@@ -64,14 +64,12 @@ const ScriptVariable* findEntry(const CScriptEngine& engine, std::string_view na
   return nullptr;
 }
 
-/// The wanted names that have a series, and the summary of their last values.
+/// The wanted names that have a series.
 void collectColumns(CScriptEngine& engine, std::vector<OutputColumn>& columns) {
   for (const std::string& name : engine.outputNames) {
     const ScriptVariable* entry = findEntry(engine, name);
     if (!entry || entry->values.empty()) continue;
     columns.push_back({cleanName(name), entry->values});
-    engine.outputSummary += "," + columns.back().name + ": ";
-    appendFixed(engine.outputSummary, entry->value, 4);
   }
 }
 
@@ -212,7 +210,6 @@ namespace {
 
 /// Runs the prepared script; the text is what ends the work, or empty.
 std::string runPrepared(CScriptEngine& engine) {
-  engine.outputSummary.clear();
   const std::string text = engine.RunFast(false, false);
   engine.wholeHistory = false;
   if (!engine.errorText.empty()) return engine.errorText;
