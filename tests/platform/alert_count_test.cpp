@@ -276,9 +276,9 @@ TEST_F(AlertCountTest, WhoEntersWaitsForTheOneAtTheGate) {
     isBeyond = count.enter(2);
   });
   // From its word to the gate the thread has a few steps to go, for which many others stand aside.
-  constexpr int kMany = 2000;
+  constexpr int kYields = 2000;
   while (!comes) sched_yield();
-  for (int i = 0; i < kMany; ++i) sched_yield();
+  for (int i = 0; i < kYields; ++i) sched_yield();
   child.tell();
   enters.join();
   EXPECT_TRUE(isBeyond);

@@ -1,4 +1,5 @@
-// Every function of the C face, called without a handle: the status is -1, and nothing is written.
+// Every function of the C face, called without a handle, or without a place for a result: the status is -1,
+// and nothing is written.
 
 #include <gtest/gtest.h>
 
@@ -8,8 +9,10 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "brindlewort/brindlewort.h"
 
@@ -80,18 +83,83 @@ void callWithoutHandle(const char* name, int32_t (*function)(Handle*, Arguments.
       arguments);
 }
 
+/// Queries of records by out-pointers skip those that are null, save the last.
+bool skipsNullPlaces(std::string_view name) {
+  return name.starts_with("bw_backtest_get_record_by_") || name.starts_with("bw_alert_get_record_by_");
+}
+
+/// The argument itself, or a null pointer in the stead of a place.
+template <class Argument, class Holder>
+Argument givenOrNull(Holder& holder, bool isNull) {
+  if constexpr (std::is_pointer_v<Argument>) {
+    if (isNull) return nullptr;
+  }
+  return holder;
+}
+
+template <class Handle, class... Arguments, std::size_t... i>
+void callWithoutPlaces(const char* name, int32_t (*function)(Handle*, Arguments...), Handle* handle,
+                       std::index_sequence<i...>) {
+  constexpr bool isPlace[] = {
+      std::is_same_v<decltype(argumentOf<Arguments>()), Place<std::remove_pointer_t<Arguments>>>..., false};
+  for (std::size_t missing = 0; missing < sizeof...(Arguments); ++missing) {
+    const bool isSkipped = skipsNullPlaces(name) && missing + 1 < sizeof...(Arguments);
+    if (!isPlace[missing] || isSkipped) continue;
+    std::tuple<decltype(argumentOf<Arguments>())...> arguments;
+    EXPECT_EQ(function(handle, givenOrNull<Arguments>(std::get<i>(arguments), i == missing)...), -1)
+        << name << ", argument " << missing + 1;
+    EXPECT_TRUE((true && ... && std::get<i>(arguments).untouched())) << name << " has written";
+  }
+}
+template <class Handle, class... Arguments>
+void callWithoutPlaces(const char* name, int32_t (*function)(Handle*, Arguments...), Handle* handle) {
+  callWithoutPlaces(name, function, handle, std::index_sequence_for<Arguments...>{});
+}
+
+struct Handles {
+  bw_script_output* output = bw_script_output_create();
+  bw_backtest* backtest = bw_backtest_create();
+  bw_alert* alert = bw_alert_create();
+  bw_validate* validate = bw_validate_create();
+
+  Handles() = default;
+  Handles(const Handles&) = delete;
+  Handles& operator=(const Handles&) = delete;
+  ~Handles() {
+    bw_script_output_destroy(output);
+    bw_backtest_destroy(backtest);
+    bw_alert_destroy(alert);
+    bw_validate_destroy(validate);
+  }
+  template <class Handle>
+  Handle* of() const {
+    if constexpr (std::is_same_v<Handle, bw_script_output>) {
+      return output;
+    } else if constexpr (std::is_same_v<Handle, bw_backtest>) {
+      return backtest;
+    } else if constexpr (std::is_same_v<Handle, bw_alert>) {
+      return alert;
+    } else {
+      return validate;
+    }
+  }
+};
+template <class Handle, class... Arguments>
+Handle* handleFor(int32_t (*)(Handle*, Arguments...), const Handles& handles) {
+  return handles.of<Handle>();
+}
+
 struct FaceFunction {
   const char* name;
-  void (*test)();
+  void (*withoutHandle)();
+  void (*withoutPlaces)(const Handles& handles);
 };
-#define TAKES_A_HANDLE(function)                               \
-  {                                                            \
-#function, [] { callWithoutHandle(#function, &function); } \
-  }
-#define TAKES_NONE(function) \
-  {                          \
-#function, [] {}         \
-  }
+// clang-format off
+#define TAKES_A_HANDLE(function)                                                                          \
+  {#function, [] { callWithoutHandle(#function, &function); },                                            \
+   [](const Handles& handles) { callWithoutPlaces(#function, &function, handleFor(&function, handles)); }}
+#define TAKES_NONE(function) {#function, [] {}, [](const Handles&) {}}
+// clang-format on
 
 const FaceFunction kFunctions[] = {
     TAKES_NONE(bw_version),
@@ -203,7 +271,12 @@ TEST(NullHandles, EveryFunctionOfTheHeaderIsTriedHere) {
 }
 
 TEST(NullHandles, AreMinusOneForEveryFunction) {
-  for (const FaceFunction& function : kFunctions) function.test();
+  for (const FaceFunction& function : kFunctions) function.withoutHandle();
+}
+
+TEST(NullPlaces, AreMinusOneForEveryFunctionThatDoesNotSkipThem) {
+  const Handles handles;
+  for (const FaceFunction& function : kFunctions) function.withoutPlaces(handles);
 }
 
 TEST(NullHandles, MayBeDestroyed) {

@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <numeric>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -288,6 +290,37 @@ TEST_F(Examples, EveryScriptRunsOverTheSampleBars) {
     }
   }
   EXPECT_GE(scripts, 3);
+}
+
+/// The mean of the last closes of the sample bars.
+double meanOfLastCloses(std::size_t periods) {
+  constexpr int kClose = 4;  // columns in front of it
+  std::vector<double> closes;
+  std::istringstream lines(readFile(BRINDLEWORT_SOURCE_DIR "/examples/sample_daily.csv"));
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with("20")) continue;
+    std::size_t at = 0;
+    for (int i = 0; i < kClose; ++i) at = line.find(',', at) + 1;
+    closes.push_back(std::stod(line.substr(at)));
+  }
+  return std::accumulate(closes.end() - static_cast<std::ptrdiff_t>(periods), closes.end(), 0.0) /
+         static_cast<double>(periods);
+}
+
+TEST_F(Examples, TheAveragesOfTheScriptsAreThoseOfTheSampleBars) {
+  const auto lastOf = [&](const char* script, const char* name) {
+    const Outcome run =
+        this->run({"output", BRINDLEWORT_SOURCE_DIR "/examples/sample_daily.csv", "--script-file",
+                   std::string(BRINDLEWORT_SOURCE_DIR "/examples/") + script, "--format", "json"});
+    return nlohmann::json::parse(run.out).at(name).back().get<double>();
+  };
+  constexpr double kRounding = 1e-9;
+  EXPECT_NEAR(lastOf("crossover.bws", "FAST"), meanOfLastCloses(14), kRounding);
+  const double middle = lastOf("bands.bws", "MIDDLE");
+  EXPECT_NEAR(middle, meanOfLastCloses(20), kRounding);
+  const double width = lastOf("bands.bws", "UPPER") - middle;
+  EXPECT_GT(width, 0.0);
+  EXPECT_NEAR(lastOf("bands.bws", "LOWER"), middle - width, kRounding);
 }
 
 /// Closes are 100.5, 101.5, ... so the mean of three is the close of the day before.

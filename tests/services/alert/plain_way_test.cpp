@@ -397,7 +397,7 @@ TEST(AlertEvents, WithoutHandlersARunStillTakesPlace) {
   EXPECT_EQ(alert.lastFunction(), "SMA");
   EXPECT_TRUE(alert.Evaluate("1 + 1"));
   alert.setAlertScript("NOSUCH");
-  EXPECT_NE(alert.lastEngine()->errorText, "");
+  EXPECT_EQ(alert.lastEngine()->errorText, "Error: Undefined variable 'NOSUCH'");
 }
 
 }  // namespace

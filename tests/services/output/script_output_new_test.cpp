@@ -391,7 +391,7 @@ TEST(EventListNew, TheModeEndsWithTheCall) {
   LivingScript script("SET A = FOO\r\nA");
   script.ramp(8);
   script.run(-1);
-  EXPECT_NE(script.error, "");
+  EXPECT_EQ(script.error, "Error: Undefined variable 'FOO'");
   script.component.SetDataRetrieveMode(102);
   ASSERT_TRUE(script.component.ProcessScripData("SET A = CLOSE\r\nA"));
   EXPECT_EQ(linesOf(script.run(8)), (std::vector<std::string>{"\"A\"", "8.0000"}));
