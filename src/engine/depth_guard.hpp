@@ -5,18 +5,23 @@
 
 namespace brindlewort {
 
-/// Counts evaluations inside one another.
+/// Counts evaluations inside one another. The outermost one finds out how far down the stack they may go; no
+/// call of the host's is made inside it, so that all of them are on one stack.
 class DepthGuard {
  public:
-  explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }
-  ~DepthGuard() { --depth_; }
+  explicit DepthGuard(Nesting& nesting) : nesting_(nesting) {
+    if (++nesting_.depth == 1) nesting_.stackFloor = platform::stackFloor();
+  }
+  ~DepthGuard() { --nesting_.depth; }
   DepthGuard(const DepthGuard&) = delete;
 
   /// Nothing more may be evaluated inside this evaluation.
-  bool isTooDeep() const { return depth_ > kMaxDepth || platform::stackIsLow(); }
+  bool isTooDeep() const {
+    return nesting_.depth > kMaxDepth || platform::stackPosition() < nesting_.stackFloor;
+  }
 
  private:
-  int& depth_;
+  Nesting& nesting_;
 };
 
 }  // namespace brindlewort

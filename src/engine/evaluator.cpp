@@ -59,7 +59,7 @@ void CScriptEngine::testTimeLimit() {
 }
 
 ScriptVariable CScriptEngine::EvaluateExpression(std::string_view text) {
-  const DepthGuard guard(depth_);
+  const DepthGuard guard(nesting_);
   if (guard.isTooDeep() || rowsHeld_ > kMaxRowsHeld) {
     abortRun();
     return {};

@@ -77,7 +77,7 @@ const StoreEntry* CScriptEngine::variableOf(Term& term) {
 }
 
 const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
-  const DepthGuard guard(depth_);
+  const DepthGuard guard(nesting_);
   if (guard.isTooDeep()) {
     abortRun();
     return nothing();

@@ -3,6 +3,7 @@
 #include <string>
 #include <type_traits>
 #include <unordered_map>
+#include <utility>
 
 #include "functions/handlers.hpp"
 #include "functions/incremental_handlers.hpp"
@@ -239,27 +240,35 @@ constexpr int id(SwingLine line) {
 // ---- The table
 // ------------------------------------------------------------------------------------------------
 
-std::vector<FunctionRow> makeTable() {
-  using namespace CFeedkit;
-  // What a wrong count reports; all other rows report "Number of" as an invalid argument.
-  const Report kCountNotValid = function("Number of argument not valid");
-  const Report kNumberOf = function("Number of");
-  const CheckOrder kEmptyFirst = {Check::kEmpty, Check::kSurplus, Check::kNegative, Check::kWhole,
-                                  Check::kBind};
-  const CheckOrder kNegativeFirst = {Check::kSurplus, Check::kNegative, Check::kEmpty, Check::kWhole,
-                                     Check::kBind};
-  const std::vector<Slot> kMacdSlots = {whole("short cycle periods", 1).outside(invalid("shortCycle")),
-                                        whole("long cycle periods", 1).outside(invalid("longCycle")),
-                                        whole("signal periods", 1).outside(invalid("signalPeriods")),
-                                        maType()};
-  const std::vector<Slot> kPointFigureSlots = {
-      series(),
-      literal("box size", 0.005, 99999.9999).empty(required("BoxSize")).outside(function("BoxSize")),
-      whole("reversal", 1, 99).empty(required("ReversalSize")).outside(function("ReversalSize"))};
+using namespace CFeedkit;
+using Rows = std::vector<FunctionRow>;
 
-  // clang-format off
+// What a wrong count reports; all other rows report "Number of" as an invalid argument.
+constexpr Report kCountNotValid = function("Number of argument not valid");
+constexpr Report kNumberOf = function("Number of");
+constexpr CheckOrder kEmptyFirst = {Check::kEmpty, Check::kSurplus, Check::kNegative, Check::kWhole,
+                                    Check::kBind};
+constexpr CheckOrder kNegativeFirst = {Check::kSurplus, Check::kNegative, Check::kEmpty, Check::kWhole,
+                                       Check::kBind};
+
+std::vector<Slot> macdSlots() {
+  return {whole("short cycle periods", 1).outside(invalid("shortCycle")),
+          whole("long cycle periods", 1).outside(invalid("longCycle")),
+          whole("signal periods", 1).outside(invalid("signalPeriods")), maType()};
+}
+
+std::vector<Slot> pointFigureSlots() {
+  return {series(),
+          literal("box size", 0.005, 99999.9999).empty(required("BoxSize")).outside(function("BoxSize")),
+          whole("reversal", 1, 99).empty(required("ReversalSize")).outside(function("ReversalSize"))};
+}
+
+// A function a group: the rows of all groups at once would take more stack than threads of some hosts have.
+// clang-format off
+
+// -- conditions, loops, references --
+Rows conditions() {
   return {
-      // -- conditions, loops, references --
       {.names = {{"IF"}}, .slots = {any("condition"), any("true part"), any("false part")},
        .operation = "IfThenElse", .handler = ifThenElse, .incrementalHandler = incremental::ifThenElse, .required = 3},
       {.names = {{"COUNTIF"}}, .slots = {any("condition")}, .operation = "CountIf", .handler = countIf, .incrementalHandler = incremental::countIf},
@@ -274,8 +283,12 @@ std::vector<FunctionRow> makeTable() {
        any("operator")}, .operation = "LoopSeries", .handler = loopSeries, .incrementalHandler = incremental::loopSeries, .required = 5},
       {.names = {{"TREND"}}, .slots = {series(), whole("periods", 2).empty(function("Period argument not valid"))},
        .operation = "TREND", .batch = batch<TREND>, .incremental = resumable<Tf::TREND>, .order = kNegativeFirst},
+  };
+}
 
-      // -- arithmetic, rounding, windows, dates --
+// -- arithmetic, rounding, windows, dates --
+Rows arithmetic() {
+  return {
       {.names = {{"ABS", kAbs}, {"SIN", kSin}, {"COS", kCos}, {"TAN", kTan}, {"ATN", kAtn}, {"EXP", kExp},
        {"LOG", kLog}, {"LOG10", kLog10}, {"RND", kRnd}}, .slots = {any("source")}, .operation = "MathFunction",
        .handler = mathFunction, .incrementalHandler = incremental::mathFunction},
@@ -296,8 +309,12 @@ std::vector<FunctionRow> makeTable() {
        .handler = datePart, .incrementalHandler = incremental::datePart, .required = 2},
       {.names = {{"DATEDIFF"}}, .slots = {any("reference 1"), any("reference 2"), any("periods")},
        .operation = "DateDiff", .handler = dateDiff, .incrementalHandler = incremental::dateDiff, .required = 2},
+  };
+}
 
-      // -- moving averages --
+// -- moving averages --
+Rows movingAverages() {
+  return {
       {.names = {{"SMA"}, {"SIMPLEMOVINGAVERAGE"}}, .slots = {series(), whole("periods", 1)},
        .operation = "SimpleMovingAverage", .batch = batch<SimpleMovingAverage>, .incremental = resumable<Tf::SimpleMovingAverage>},
       {.names = {{"EMA"}, {"EXPONENTIALMOVINGAVERAGE"}}, .slots = {series(), whole("periods", 1)},
@@ -315,6 +332,11 @@ std::vector<FunctionRow> makeTable() {
        .operation = "WellesWilderSmoothing", .batch = batch<WellesWilderSmoothing>, .incremental = resumable<Tf::WellesWilderSmoothing>},
       {.names = {{"VIDYA"}}, .slots = {series(), whole("periods", 1), number("R2 scale").orElse(0.65)},
        .operation = "VIDYA", .batch = batch<VIDYA>, .incremental = resumable<Tf::VIDYA>},
+  };
+}
+
+Rows furtherAverages() {
+  return {
       {.names = {{"ZLEMA"}, {"ZEROLAGEXPONENTIALMOVINGAVERAGE"}}, .slots = {series(), whole("periods", 1)},
        .operation = "ZEROLAGEXPONENTIALMOVINGAVERAGE", .batch = batch<ZEROLAGEXPONENTIALMOVINGAVERAGE>, .incremental = resumable<Tf::ZEROLAGEXPONENTIALMOVINGAVERAGE>,
        .surplus = kCountNotValid},
@@ -334,8 +356,12 @@ std::vector<FunctionRow> makeTable() {
        .operation = "VAA", .batch = volumeAdjustedAverage, .incremental = volumeAdjustedAverage, .surplus = kCountNotValid},
       {.names = {{"CAVG"}, {"CUMULATIVEAVERAGE"}}, .slots = {series()}, .operation = "CUMULATIVEAVERAGE",
        .batch = batch<CUMULATIVEAVERAGE>, .incremental = resumable<Tf::CUMULATIVEAVERAGE>, .surplus = kCountNotValid},
+  };
+}
 
-      // -- oscillators --
+// -- oscillators --
+Rows oscillators() {
+  return {
       {.names = {{"RSI"}, {"RELATIVESTRENGTHINDEX"}}, .slots = {series(), whole("periods", 2)},
        .operation = "RelativeStrengthIndex", .batch = batch<RelativeStrengthIndex>, .incremental = resumable<Tf::RelativeStrengthIndex>},
       {.names = {{"MO"}, {"MOMENTUMOSCILLATOR"}}, .slots = {series(), whole("periods", 2)},
@@ -366,11 +392,16 @@ std::vector<FunctionRow> makeTable() {
       {.names = {{"WPR"}, {"WILLIAMSPCTR"}}, .slots = {whole("periods", 2)}, .operation = "WilliamsPctR",
        .batch = batch<WilliamsPctR>, .incremental = resumable<Tf::WilliamsPctR>},
       {.names = {{"MACD", id(MacdLine::kDifference)}, {"MACDS", id(MacdLine::kSignal)},
-       {"MACDSIGNAL", id(MacdLine::kSignal)}}, .slots = kMacdSlots, .operation = "MACD", .batch = batch<MACD>, .incremental = resumable<Tf::MACD>},
-      {.names = {{"MACDH"}, {"MACDHISTOGRAM"}}, .slots = kMacdSlots, .operation = "MACDHISTOGRAM",
+       {"MACDSIGNAL", id(MacdLine::kSignal)}}, .slots = macdSlots(), .operation = "MACD", .batch = batch<MACD>, .incremental = resumable<Tf::MACD>},
+      {.names = {{"MACDH"}, {"MACDHISTOGRAM"}}, .slots = macdSlots(), .operation = "MACDHISTOGRAM",
        .incremental = resumable<Tf::MACDHISTOGRAM>, .path = Path::kIncremental},
       {.names = {{"FCO"}, {"FRACTALCHAOSOSCILLATOR"}}, .slots = {whole("periods", 2)},
        .operation = "FractalChaosOscillator", .batch = batch<FractalChaosOscillator>, .incremental = resumable<Tf::FractalChaosOscillator>},
+  };
+}
+
+Rows furtherOscillators() {
+  return {
       {.names = {{"PNO"}, {"PRIMENUMBEROSCILLATOR"}}, .slots = {series()}, .operation = "PrimeNumberOscillator",
        .batch = batch<PrimeNumberOscillator>, .incremental = resumable<Tf::PrimeNumberOscillator>},
       {.names = {{"RBO"}, {"RAINBOWOSCILLATOR"}}, .slots = {series(), barsNumber("levels"), maType()},
@@ -385,8 +416,12 @@ std::vector<FunctionRow> makeTable() {
        .operation = "FISHERTRANSFORM", .batch = batch<FISHERTRANSFORM>, .incremental = resumable<Tf::FISHERTRANSFORM>, .surplus = kNumberOf},
       {.names = {{"PFI"}, {"PERFORMANCEINDEX"}}, .slots = {series()}, .operation = "PerformanceIndex",
        .batch = batch<PerformanceIndex>, .incremental = resumable<Tf::PerformanceIndex>},
+  };
+}
 
-      // -- bands, channels, stops --
+// -- bands, channels, stops --
+Rows bands() {
+  return {
       {.names = {{"HHV"}, {"HIGHESTHIGHVALUE"}}, .slots = {barsNumber("periods")}, .operation = "HighestHighValue",
        .batch = highestHigh, .incremental = highestHigh},
       {.names = {{"LLV"}, {"LOWESTLOWVALUE"}}, .slots = {barsNumber("periods")}, .operation = "LowestLowValue",
@@ -424,8 +459,12 @@ std::vector<FunctionRow> makeTable() {
                  number("multiplier", 1, 99).empty(function("Multiplier argument not valid"))
                      .outside(function("value should be between 1-99"))},
        .operation = "SUPERTREND", .batch = batch<SUPERTREND>, .incremental = resumable<Tf::SUPERTREND>, .surplus = kCountNotValid, .order = kEmptyFirst},
+  };
+}
 
-      // -- regression and statistics --
+// -- regression and statistics --
+Rows statistics() {
+  return {
       {.names = {{"R2", id(RegressionLine::kRSquared)}, {"RSQUARED", id(RegressionLine::kRSquared)},
        {"SLOPE", id(RegressionLine::kSlope)}, {"INTERCEPT", id(RegressionLine::kIntercept)},
        {"FORECAST", id(RegressionLine::kForecast)}}, .slots = {seriesRequired(), barsNumber("periods")},
@@ -447,8 +486,12 @@ std::vector<FunctionRow> makeTable() {
        .incrementalSlots = {series(), whole("reference periods", 1).reports(function("RefPeriods")),
                             whole("trend periods", 2)
                                 .reports(function("Invalid TrendPeriods(min 2) for indicator"))}},
+  };
+}
 
-      // -- directional movement, ranges --
+// -- directional movement, ranges --
+Rows ranges() {
+  return {
       {.names = {{"TR"}, {"TRUERANGE"}}, .operation = "TrueRange", .batch = batch<TrueRange>, .incremental = resumable<Tf::TrueRange>, .noArguments = true},
       {.names = {{"ATR"}, {"AVERAGETRUERANGE"}}, .slots = {whole("periods", 2)},
        .operation = "AverageTrueRange", .batch = averageTrueRange, .incremental = averageTrueRange, .surplus = kCountNotValid},
@@ -464,8 +507,12 @@ std::vector<FunctionRow> makeTable() {
        .operation = "RANGEUPCOUNT", .batch = batch<RANGEUPCOUNT>, .incremental = resumable<Tf::RANGEUPCOUNT>, .surplus = kCountNotValid},
       {.names = {{"RDNCOUNT"}, {"RANGEDOWNCOUNT"}}, .slots = {series(), whole("periods", 1)},
        .operation = "RANGEDOWNCOUNT", .batch = batch<RANGEDOWNCOUNT>, .incremental = resumable<Tf::RANGEDOWNCOUNT>, .surplus = kCountNotValid},
+  };
+}
 
-      // -- volume and money flow --
+// -- volume and money flow --
+Rows volumes() {
+  return {
       {.names = {{"OBV"}, {"ONBALANCEVOLUME"}}, .slots = {series()}, .operation = "OnBalanceVolume",
        .batch = withVolume<OnBalanceVolume>, .incremental = withVolume<Tf::OnBalanceVolume>},
       {.names = {{"PVT"}, {"PRICEVOLUMETREND"}}, .slots = {series()}, .operation = "PriceVolumeTrend",
@@ -494,8 +541,12 @@ std::vector<FunctionRow> makeTable() {
        .operation = "EaseOfMovement", .batch = easeOfMovement, .incremental = easeOfMovement},
       {.names = {{"WAD"}, {"WILLIAMSACCUMULATIONDISTRIBUTION"}}, .operation = "WilliamsAccumulationDistribution",
        .batch = batch<WilliamsAccumulationDistribution>, .incremental = resumable<Tf::WilliamsAccumulationDistribution>, .noArguments = true},
+  };
+}
 
-      // -- price bases, pivots, swings --
+// -- price bases, pivots, swings --
+Rows bases() {
+  return {
       {.names = {{"MP"}, {"MEDIANPRICE"}}, .operation = "MEDIANPRICE", .batch = batch<MEDIANPRICE>, .incremental = resumable<Tf::MEDIANPRICE>, .noArguments = true},
       {.names = {{"TP"}, {"TYPICALPRICE"}}, .operation = "TypicalPrice", .batch = batch<TypicalPrice>, .incremental = resumable<Tf::TypicalPrice>, .noArguments = true},
       {.names = {{"HML"}, {"HIGHMINUSLOW"}}, .operation = "HIGHMINUSLOW", .batch = batch<HIGHMINUSLOW>, .incremental = resumable<Tf::HIGHMINUSLOW>, .noArguments = true},
@@ -523,13 +574,17 @@ std::vector<FunctionRow> makeTable() {
       {.names = {{"PFX", id(PointFigureLine::kX)}, {"POINTFIGURECOUNTX", id(PointFigureLine::kX)},
        {"PFO", id(PointFigureLine::kO)}, {"POINTFIGURECOUNTO", id(PointFigureLine::kO)},
        {"PFD", id(PointFigureLine::kDirection)}, {"POINTFIGUREDIRECTION", id(PointFigureLine::kDirection)}},
-       .slots = kPointFigureSlots, .operation = "PointFigureSmooth", .batch = batch<PointFigureSmooth>, .incremental = pointFigure,
+       .slots = pointFigureSlots(), .operation = "PointFigureSmooth", .batch = batch<PointFigureSmooth>, .incremental = pointFigure,
        .incrementalHandler = {.bind = incremental::bindPointFigure}, .rewrites = Rewrites::kAll,
        .surplus = kNumberOf},
       {.names = {{"CSP"}, {"CANDLESTICKPATTERN"}, {"CANDLESTICKS"}}, .operation = "CandlestickPattern",
        .handler = candlestickPattern, .incrementalHandler = incremental::candlestickPattern, .noArguments = true},
+  };
+}
 
-      // -- Ichimoku lines --
+// -- Ichimoku lines --
+Rows ichimokuLines() {
+  return {
       {.names = {{"TENKAN"}}, .slots = {ichimokuPeriod("TenkanPeriods")}, .operation = "Ichimoku",
        .batch = ichimoku<IchimokuLine::kTenkan>, .incremental = ichimoku<IchimokuLine::kTenkan>, .surplus = kNumberOf},
       {.names = {{"KIJUN"}}, .slots = {ichimokuPeriod("KijunPeriods")}, .operation = "Ichimoku",
@@ -542,7 +597,19 @@ std::vector<FunctionRow> makeTable() {
       {.names = {{"CHIKOU"}}, .slots = {ichimokuPeriod("ChikouPeriods")}, .operation = "Ichimoku",
        .incremental = ichimoku<IchimokuLine::kChikou>, .rewrites = Rewrites::kPeriods, .path = Path::kIncremental, .surplus = kNumberOf},
   };
-  // clang-format on
+}
+
+// clang-format on
+
+Rows makeTable() {
+  static constexpr Rows (*kGroups[])() = {
+      conditions, arithmetic, movingAverages, furtherAverages, oscillators, furtherOscillators,
+      bands,      statistics, ranges,         volumes,         bases,       ichimokuLines};
+  Rows table;
+  for (const auto group : kGroups) {
+    for (FunctionRow& row : group()) table.push_back(std::move(row));
+  }
+  return table;
 }
 
 using Index = std::unordered_map<std::string_view, FoundFunction>;

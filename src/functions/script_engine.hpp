@@ -21,6 +21,12 @@ namespace brindlewort {
 class ExpressionTable;
 struct Term;
 
+/// Evaluations inside one another, and how far down the stack they may go.
+struct Nesting {
+  int depth = 0;
+  std::uintptr_t stackFloor = 0;
+};
+
 /// The interpreter: state and operations of one run of a script over one symbol's bars.
 ///
 /// Declared here, in the lowest layer that implements part of it: a function may evaluate an expression,
@@ -212,7 +218,7 @@ class CScriptEngine {
   std::vector<Bar> madeUpBars_;    ///< of a dry run with too few bars
   std::array<Series, 6> columns_;  ///< of the bars, while they stand
   Series zeros_;
-  int depth_ = 0;               ///< evaluations inside one another
+  Nesting nesting_;
   std::uint64_t rowsHeld_ = 0;  ///< rows of all entries that this run has made
   bool aborted_ = false;
 

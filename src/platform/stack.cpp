@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 
 #ifdef _WIN32
 #define WIN32_LEAN_AND_MEAN
@@ -15,44 +14,74 @@ namespace brindlewort::platform {
 
 namespace {
 
-/// What an evaluation needs for itself and the system's functions below it; of a small stack a quarter must
-/// do.
-constexpr std::uintptr_t kReserve = 128 * 1024;
+constexpr std::uintptr_t kKilobyte = 1024;
 
-/// The lowest part of the thread's stack, in which nothing nests any deeper; empty where it is not known.
-struct LowPart {
-  std::uintptr_t from = 0, to = 0;
+/// What is kept, of a stack of known size, for an evaluation itself and the functions below it: a quarter,
+/// but no less than they need and no more than they could.
+constexpr std::uintptr_t kLeastReserve = 24 * kKilobyte;
+constexpr std::uintptr_t kGreatestReserve = 128 * kKilobyte;
+
+/// What evaluations may use of a stack of unknown size. With the calls above the first of them and the least
+/// reserve a run stays within 96 KiB.
+constexpr std::uintptr_t kUnknownStack = 64 * kKilobyte;
+
+/// No thread's stack is larger, whatever the system says: where stacks have no limit, it counts all memory to
+/// the next mapping, and the host's fibers may get theirs from there.
+constexpr std::uintptr_t kGreatestStack = 64 * kKilobyte * kKilobyte;
+
+/// The present stack as the system knows it; empty where it does not tell.
+struct Stack {
+  std::uintptr_t lowest = 0, end = 0;
 };
 
-LowPart lowPart() {
-  std::uintptr_t from = 0, size = 0;
 #ifdef _WIN32
+
+/// Fibers of the system count as well: it knows of the stack that the thread is on.
+Stack presentStack() {
   ULONG_PTR lowest = 0, end = 0;
   GetCurrentThreadStackLimits(&lowest, &end);
-  from = lowest;
-  size = end - lowest;
+  return {lowest, end};
+}
+
 #elif defined(__linux__)
+
+Stack stackOfThread() {
   pthread_attr_t attributes;
   if (pthread_getattr_np(pthread_self(), &attributes) != 0) return {};
+  Stack stack;
   void* lowest = nullptr;
   std::size_t bytes = 0;
   if (pthread_attr_getstack(&attributes, &lowest, &bytes) == 0) {
-    from = reinterpret_cast<std::uintptr_t>(lowest);
-    size = bytes;
+    stack.lowest = reinterpret_cast<std::uintptr_t>(lowest);
+    stack.end = stack.lowest + bytes;
   }
   pthread_attr_destroy(&attributes);
-#endif
-  return {from, from + std::min(kReserve, size / 4)};
+  return stack;
 }
+
+/// The stack that the thread was made with. The system may have to look long for it, and it stays the same
+/// for the life of the thread.
+Stack presentStack() {
+  thread_local const Stack stack = stackOfThread();
+  return stack;
+}
+
+#else
+
+Stack presentStack() {
+  return {};
+}
+
+#endif
 
 }  // namespace
 
-bool stackIsLow() {
-  // The system may have to look long for it, and it stays the same for the life of a thread.
-  thread_local const LowPart part = lowPart();
-  // A host that switches between stacks of its own may be somewhere else altogether.
-  const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-  return here >= part.from && here < part.to;
+std::uintptr_t stackFloor() {
+  const std::uintptr_t here = stackPosition();
+  const Stack stack = presentStack();
+  const std::uintptr_t size = std::min(stack.end - stack.lowest, kGreatestStack);
+  if (here >= stack.end || here < stack.end - size) return here - std::min(here, kUnknownStack);
+  return stack.end - size + std::clamp(size / 4, kLeastReserve, kGreatestReserve);
 }
 
 }  // namespace brindlewort::platform
