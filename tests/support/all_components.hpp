@@ -42,10 +42,10 @@ inline std::vector<Bar> wanderingBars(int count) {
 inline constexpr std::string_view kOutputScripts[] = {
     "SET A = SMA(CLOSE, 7) / EMA(VOLUME, 3)\r\nSET B = (CLOSE / 3 + OPEN / 7) * (HIGH - LOW / 9)\r\nA > B / "
     "1000",
-    "SET C = STDEV(CLOSE, 9, 2)\r\nSET D = SIN(CLOSE) + EXP(OPEN / 30) + LOG(HIGH) + LOG10(LOW) + "
+    "SET C = SDV(CLOSE, 9, 2, SIMPLE)\r\nSET D = SIN(CLOSE) + EXP(OPEN / 30) + LOG(HIGH) + LOG10(LOW) + "
     "ATN(CLOSE)\r\n"
     "D > C",
-    "SET TINY = CLOSE ^ (0 - 174) / 8\r\nSET SUMS = SUM(TINY, 3) * 2 ^ 100\r\nTINY > 0",
+    "SET P = 0 - 174\r\nSET TINY = CLOSE ^ P / 8\r\nSET SUMS = (TINY + TINY / 3) * 2 ^ 100\r\nTINY > 0",
     "SET E = RSI(CLOSE, 5)\r\nSET F = VIDYA(CLOSE, 5, 0.3)\r\nSET G = MACD(5, 9, 3, EXPONENTIAL)\r\n"
     "SET H = ROUND(CLOSE / 3, 2) + MROUND(CLOSE / 7, 0.3)\r\nSET I = PSAR(0.02, 0.2)\r\nE > F + G + H - I",
     "SET J = IF(CLOSE > OPEN, CLOSE / OPEN, OPEN / CLOSE)\r\nSET K = COUNTIF(J > 1.01)\r\nSET L = CLOSE / "

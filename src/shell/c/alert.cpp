@@ -9,7 +9,7 @@
 using namespace brindlewort;
 using namespace brindlewort::c_face;
 
-struct bw_alert {
+struct bw_alert : HandleState {
   CAlert component;
 };
 
@@ -43,9 +43,9 @@ int32_t bw_alert_on_alert(bw_alert* h, bw_alert_fn fn, void* user) {
   return onHandle(h, [&](bw_alert& handle) {
     handle.component.Alert = nullptr;
     if (fn) {
-      handle.component.Alert = [fn, user](const std::string& symbol, const std::string& name, double date,
-                                          double price) {
-        fn(user, symbol.c_str(), name.c_str(), date, price);
+      handle.component.Alert = [&handle, fn, user](const std::string& symbol, const std::string& name,
+                                                   double date, double price) {
+        callHost(handle, fn, user, symbol.c_str(), name.c_str(), date, price);
       };
     }
     return kSuccess;
@@ -56,9 +56,9 @@ int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void* user) 
   return onHandle(h, [&](bw_alert& handle) {
     handle.component.ScriptError = nullptr;
     if (fn) {
-      handle.component.ScriptError = [fn, user](const std::string& symbol, const std::string& name,
-                                                const std::string& text) {
-        fn(user, symbol.c_str(), name.c_str(), text.c_str());
+      handle.component.ScriptError = [&handle, fn, user](const std::string& symbol, const std::string& name,
+                                                         const std::string& text) {
+        callHost(handle, fn, user, symbol.c_str(), name.c_str(), text.c_str());
       };
     }
     return kSuccess;

@@ -8,7 +8,7 @@
 using namespace brindlewort;
 using namespace brindlewort::c_face;
 
-struct bw_backtest {
+struct bw_backtest : HandleState {
   CBacktest component;
 };
 

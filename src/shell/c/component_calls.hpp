@@ -13,6 +13,8 @@ namespace brindlewort::c_face {
 
 template <class Handle>
 Handle* create() noexcept {
+  platform::FpDoor door;
+  const platform::FpDoor::Inside inside(door);
   try {
     return new Handle;
   } catch (...) {
@@ -25,7 +27,11 @@ template <class Handle, class Function>
 std::int32_t onScriptError(Handle* h, Function fn, void* user) {
   return onHandle(h, [&](Handle& handle) {
     handle.component.ScriptError = nullptr;
-    if (fn) handle.component.ScriptError = [fn, user](const std::string& text) { fn(user, text.c_str()); };
+    if (fn) {
+      handle.component.ScriptError = [&handle, fn, user](const std::string& text) {
+        callHost(handle, fn, user, text.c_str());
+      };
+    }
     return kSuccess;
   });
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/fp_environment.hpp"
 #include "series/bar.hpp"
 
 /// What all functions of the C face share: statuses, texts, and the rule that nothing throws out.
@@ -34,15 +35,29 @@ inline char* copyText(std::string_view text) {
   return copy;
 }
 
+/// What every handle has beside its component.
+struct HandleState {
+  platform::FpDoor door;
+};
+
 /// Runs a call on a handle. A null handle is -1, and whatever is thrown inside is a failure.
 template <class Handle, class Call>
 std::int32_t onHandle(Handle* handle, Call call) noexcept {
   if (!handle) return kNullArgument;
+  const platform::FpDoor::Inside inside(handle->door);
   try {
-    return call(*handle);
+    const auto work = [&] { return call(*handle); };
+    return inside.run(work);
   } catch (...) {
     return kFailure;
   }
+}
+
+/// Calls a function of the host's, as an event does.
+template <class Function, class... Arguments>
+void callHost(HandleState& handle, Function fn, Arguments... arguments) {
+  const platform::FpDoor::Outside outside(handle.door);
+  fn(arguments...);
 }
 
 template <class... Pointers>

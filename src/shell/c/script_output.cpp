@@ -10,7 +10,7 @@
 using namespace brindlewort;
 using namespace brindlewort::c_face;
 
-struct bw_script_output {
+struct bw_script_output : HandleState {
   CScriptOutput component;
 };
 

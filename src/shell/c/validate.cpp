@@ -8,7 +8,7 @@
 using namespace brindlewort;
 using namespace brindlewort::c_face;
 
-struct bw_validate {
+struct bw_validate : HandleState {
   CValidate component;
 };
 

@@ -20,11 +20,11 @@ class AlertComponent final : public RecordMembers<IAlert, CAlert, MissingOut::kS
     // to last, gets price, date, symbol and name: the order that hosts in use rely on.
     logic_.Alert = [this](const std::string& symbol, const std::string& alertName, double lastTradeDate,
                           double lastTradePrice) {
-      fire(sinks_, kAlertEvent, alertName, symbol, lastTradeDate, lastTradePrice);
+      fire(door(), sinks_, kAlertEvent, alertName, symbol, lastTradeDate, lastTradePrice);
     };
     logic_.ScriptError = [this](const std::string& symbol, const std::string& alertName,
                                 const std::string& description) {
-      fire(sinks_, kScriptErrorEvent, description, alertName, symbol);
+      fire(door(), sinks_, kScriptErrorEvent, description, alertName, symbol);
     };
   }
 

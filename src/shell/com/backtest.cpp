@@ -17,7 +17,7 @@ class BacktestComponent final : public PlainBarMembers<IBacktest, CBacktest, Mis
  public:
   explicit BacktestComponent(IUnknown* outer) : PlainBarMembers(outer, __uuidof(_IBacktestEvents)) {
     logic_.ScriptError = [this](const std::string& description) {
-      fire(sinks_, kScriptErrorEvent, description);
+      fire(door(), sinks_, kScriptErrorEvent, description);
     };
   }
 

@@ -7,6 +7,7 @@
 #include <limits>
 #include <new>
 
+#include "platform/fp_environment.hpp"
 #include "shell/com/dispatch.hpp"
 #include "shell/com/facet.hpp"
 #include "shell/com/guarded.hpp"
@@ -76,12 +77,16 @@ class Component : public Interface {
   /// Lets go of what the component holds of its host, while it can still be called.
   virtual void disconnect() {}
 
+  /// The way in and out of the host's floating-point environment.
+  platform::FpDoor& door() { return door_; }
+
   /// Runs the body of a member. An event within it may make the host let go of the component; it lives on to
   /// the end of the call.
   template <class Work>
   HRESULT call(Work work) noexcept {
     const Microsoft::WRL::ComPtr<IUnknown> keep(&outer_);
-    return guarded(work);
+    const platform::FpDoor::Inside inside(door_);
+    return guarded([&] { return inside.run(work); });
   }
 
  private:
@@ -123,6 +128,7 @@ class Component : public Interface {
   }
 
   const module::Use use_;
+  platform::FpDoor door_;
   Identity identity_;
   IUnknown& outer_;
   Dispatch dispatch_;
@@ -132,6 +138,8 @@ class Component : public Interface {
 /// Makes a component and asks it for an interface; an embedding object must ask for IUnknown.
 template <class Class>
 HRESULT makeComponent(IUnknown* outer, REFIID iid, void** object) {
+  platform::FpDoor door;
+  const platform::FpDoor::Inside inside(door);
   return guarded([&] {
     auto* const component = new Class(outer);
     const HRESULT result = component->identity_.QueryInterface(iid, object);

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/fp_environment.hpp"
 #include "shell/com/connection_point.hpp"
 #include "shell/com/text.hpp"
 
@@ -44,10 +45,11 @@ class EventArguments {
 template <class... Values>
 EventArguments(const Values&...) -> EventArguments<sizeof...(Values)>;
 
-/// Tells a component's sinks of an event.
+/// Tells a component's sinks of an event, which are the host's and run in its floating-point environment.
 template <class... Values>
-void fire(ConnectionPoints& sinks, DISPID event, const Values&... lastFirst) {
+void fire(platform::FpDoor& door, ConnectionPoints& sinks, DISPID event, const Values&... lastFirst) {
   EventArguments arguments(lastFirst...);
+  const platform::FpDoor::Outside outside(door);
   sinks.fire(event, arguments.list());
 }
 

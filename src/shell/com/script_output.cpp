@@ -41,7 +41,7 @@ class ScriptOutputComponent final
  public:
   explicit ScriptOutputComponent(IUnknown* outer) : PlainBarMembers(outer, __uuidof(_IScriptOutputEvents)) {
     logic_.ScriptError = [this](const std::string& description) {
-      fire(sinks_, kScriptErrorEvent, description);
+      fire(door(), sinks_, kScriptErrorEvent, description);
     };
   }
 
