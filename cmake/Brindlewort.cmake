@@ -14,6 +14,10 @@ if(BRINDLEWORT_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(brindlewort_flags INTERFACE -fsanitize=address,undefined)
 endif()
+if(BRINDLEWORT_SANITIZE_THREADS)
+  target_compile_options(brindlewort_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(brindlewort_flags INTERFACE -fsanitize=thread)
+endif()
 
 # brindlewort_precompile(<layer>): the standard headers, compiled with the first layer that asks. A build without it
 # shows whether each file includes what it uses.
