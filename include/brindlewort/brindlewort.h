@@ -11,6 +11,19 @@
  *
  * The lines of a script end with CR LF. A line feed alone ends none: the lines around it are read as one, and what is
  * told of them is a name with a line feed in it ("Error: Undefined variable 'CLOSE\nA'"). Replace it before the call.
+ *
+ * What a host does elsewhere:
+ * - Threads: different handles may be used by different threads at once, and a handle may go from thread to thread.
+ * - Stack: a thread of 64 KiB is enough, and so is a fiber of 128 KiB; a call uses less than 96 KiB of a stack that is
+ *   not the thread's own. There a script that nests a few dozen calls ends with "Error: Script too complex."; 1,000
+ *   evaluations inside one another take a stack of 4 MiB. A fiber's stack may not be a part of its thread's.
+ * - Floating point: the host's rounding, traps, flush-to-zero and denormals-are-zero change no result. Every call
+ *   computes in an environment of the library's, and leaves the host's as it was, flags included. Callbacks run in the
+ *   host's own; what one changes there stays.
+ * - Locale: changes no result, be it of the C library or of C++.
+ * - Time zone: DATEPART and DATEDIFF alone depend on it. They count in the zone that the process has at the time of
+ *   the call (on POSIX systems that of the last tzset); rows that are computed stay when it changes, and a new run of a
+ *   script over all bars, or a new handle, takes the present one throughout.
  */
 
 #include <stddef.h>

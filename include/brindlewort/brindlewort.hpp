@@ -12,7 +12,8 @@
 ///
 /// Member functions carry the host interface's own names. None throws for a script's sake: a script that
 /// fails is told to OnScriptError, and the call returns nothing. std::bad_alloc is thrown when memory runs
-/// out. One object is used by one thread at a time.
+/// out. One object is used by one thread at a time. What else holds for threads,
+/// stacks, floating point, locale and time zone stands at the head of brindlewort.h.
 
 #include <cstddef>
 #include <cstdint>
