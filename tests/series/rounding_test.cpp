@@ -218,5 +218,21 @@ TEST(Rounding, FollowsTheStepsToTheLastBit) {
   }
 }
 
+/// Where value and multiple are far apart, the remainder is not the library's own.
+TEST(RoundToMultiple, HugeValuesFollowTheStepsToTheLastBit) {
+  Random random(12);
+  for (int i = 0; i < 200'000; ++i) {
+    const double value = std::ldexp(random.unit() + 0.5, random.below(1024)) * (random.below(2) ? 1.0 : -1.0);
+    double multiple = std::ldexp(random.unit() + 0.5, random.below(1100) - 1070);  // the least are subnormal
+    if (i % 4 == 0) multiple = (random.below(400) - 100) * 0.05;
+    if (i % 4 == 1) multiple = std::ldexp(1.0, random.below(120) - 60);
+    for (const RoundMode mode : kModes) {
+      ASSERT_TRUE(sameBits(RoundToMultiple(value, multiple, mode),
+                           Literal::toMultiple(value, multiple, static_cast<int>(mode))))
+          << value << " " << multiple;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace brindlewort
