@@ -7,6 +7,7 @@
 #include "functions/handler_tools.hpp"
 #include "functions/handlers.hpp"
 #include "functions/series_operations.hpp"
+#include "indicators/ranked_extremes.hpp"
 #include "indicators/windows.hpp"
 #include "platform/clock.hpp"
 #include "platform/random15.hpp"
@@ -60,25 +61,10 @@ void averageWindow(View in, Count p, Out out) {
   std::fill_n(out.begin(), p, sum);
 }
 
-/// The newest row of each window, or the oldest of those that are truly above (for MIN: below) it. Values are
-/// compared quantised, so of values equal at four decimals the newest stands. One pass: candidates wait in a
-/// queue, the best in front, and of equal ones the oldest in front.
 void extremeWindow(View in, Count p, bool greatest, Out out) {
-  const Count n = rowsOf(in);
-  std::vector<std::int64_t> rank(in.size());
-  for (std::size_t i = 0; i < in.size(); ++i) {
-    const std::int64_t q = QuantizeForCompare(in[i]);
-    rank[i] = greatest ? q : ~q;  // ~ turns the order round without overflow
-  }
-  std::vector<std::uint32_t> queue(in.size());
-  std::size_t head = 0, tail = 0;
-  for (Count i = 0; i < n; ++i) {
-    const std::size_t row = static_cast<std::size_t>(i);
-    while (tail > head && rank[queue[tail - 1]] < rank[row]) --tail;
-    queue[tail++] = static_cast<std::uint32_t>(row);
-    if (static_cast<Count>(queue[head]) <= i - p) ++head;
-    if (i >= p - 1) out[row] = rank[queue[head]] > rank[row] ? in[queue[head]] : in[row];
-  }
+  if (p <= rowsOf(in))
+    rankedExtremes(
+        in, p, p - 1, rowsOf(in), greatest, [](double) { return true; }, out);
   fillHead(out, p - 1);
 }
 

@@ -5,6 +5,8 @@
 #include <cmath>
 
 #include "indicators/compute_rows.hpp"
+#include "indicators/ranked_extremes.hpp"
+#include "indicators/windows.hpp"
 #include "platform/random15.hpp"
 #include "series/julian_date.hpp"
 #include "series/numbers.hpp"
@@ -191,12 +193,6 @@ Status RoundSeries(const Operand& source, const Rounding& rounding, Target out) 
 
 namespace {
 
-double total(View source, Count last, Count p) {
-  double sum = 0.0;
-  for (Count j = last - p + 1; j <= last; ++j) sum += row(source, j);
-  return sum;
-}
-
 Status runningTotals(View source, Count p, double divisor, Target out, bool* headWritten) {
   *headWritten = false;
   const Count n = std::min(brindlewort::rowsOf(source), rowsOf(out));
@@ -204,7 +200,9 @@ Status runningTotals(View source, Count p, double divisor, Target out, bool* hea
   const Count first = headOf(source) + p - 1;
   const Count start = startRow(out, first);
   if (start >= n) return kNothingDone;
-  for (Count i = start; i < n; ++i) row(out, i) = total(source, i, p) / divisor;
+  sumWindows<WindowOrder::kOldestFirst>(
+      start, n, p, [source](Count j, Count) { return row(source, j); },
+      [&](Count i, double total) { row(out, i) = total / divisor; });
   if (start == first) {
     std::fill_n(out.rows.begin(), p, row(out, first));
     *headWritten = true;
@@ -225,16 +223,11 @@ Status AverageSeries(View source, Count p, Target out, bool* headWritten) {
 Status WindowExtreme(View source, Count p, bool greatest, Target out) {
   const Count n = std::min(brindlewort::rowsOf(source), rowsOf(out));
   if (p > n) return kNothingDone;
-  return computeRows(out, headOf(source) + p - 1, n, [&](Count i) {
-    double best = row(source, i);
-    for (Count j = i - p + 1; j < i; ++j) {
-      const double x = row(source, j);
-      if (isNull(x)) continue;
-      const std::int64_t rank = QuantizeForCompare(x), bestRank = QuantizeForCompare(best);
-      if (greatest ? rank > bestRank : rank < bestRank) best = x;
-    }
-    return best;
-  });
+  const Count start = startRow(out, headOf(source) + p - 1);
+  if (start >= n) return kNothingDone;
+  rankedExtremes(
+      source, p, start, n, greatest, [](double x) { return !isNull(x); }, out.rows);
+  return finish(out, n);
 }
 
 namespace {

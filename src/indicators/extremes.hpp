@@ -7,6 +7,7 @@
 
 #include "indicators/frame.hpp"
 #include "indicators/row_pairs.hpp"
+#include "platform/run_watch.hpp"
 
 /// Rolling extremes, told exactly as a plain scan of each window tells them.
 namespace brindlewort {
@@ -55,6 +56,7 @@ class RollingExtreme {
   /// from two of half as many each; two of those that overlap make up a window.
   void formWindows() {
     const Count windows = std::min(std::max(kWindows, p_), rowsOf(rows_) - row_);
+    platform::spendSteps(windows + p_);
     first_ = row_;
     end_ = row_ + windows;
     const Count oldest = row_ - p_ + 1;

@@ -364,8 +364,10 @@ Status CommodityChannelIndex(WorkStore& store, const PriceSources& prices, Count
   movingAverageByType(store, tp, p, maType, m);
   const Count start = startRow(out, higherLead(tp.rows, m.rows));
   if (start >= n || start < p - 1) return kNothingDone;
+  const FormedRows typical(start - p + 1, n, [&](Count j) { return nz(tp.rows[j]); });
+  const FormedRows average(start, n, [&](Count i) { return nz(m.rows[i]); });
   sumWindows<WindowOrder::kOldestFirst>(
-      start, n, p, [&](Count j, Count k) { return std::fabs(nz(m.rows[j + k]) - nz(tp.rows[j])); },
+      start, n, p, [&](Count j, Count k) { return std::fabs(average[j + k] - typical[j]); },
       [&](Count i, double sum) {
         const double deviation = sum / static_cast<double>(p);
         out.rows[i] = deviation == 0.0 ? 0.0 : channelIndex(nz(tp.rows[i]), nz(m.rows[i]), deviation);

@@ -4,6 +4,7 @@
 
 #include "indicators/bands.hpp"
 #include "indicators/compute_rows.hpp"
+#include "indicators/formed_rows.hpp"
 #include "indicators/moving_averages.hpp"
 #include "indicators/source_rows.hpp"
 #include "indicators/true_range.hpp"
@@ -89,15 +90,15 @@ double bandLine(Band band, double middle, double width) {
 template <class Emit>
 void deviationsAround(View in, View m, Count p, double d, Count first, Count last, Emit emit) {
   if (first >= last) return;
-  std::vector<double> middle(m.begin() + first, m.begin() + last);
-  for (double& x : middle) x = nz(x);
-  const auto squaredGap = [=, around = View(middle)](Count j, Count k) {
-    const double gap = nz(in[j]) - around[j + k - first];
+  const FormedRows rowsOfIn(first - p + 1, last, [in](Count j) { return nz(in[j]); });
+  const FormedRows middle(first, last, [m](Count i) { return nz(m[i]); });
+  const auto squaredGap = [&](Count j, Count k) {
+    const double gap = rowsOfIn[j] - middle[j + k];
     return gap * gap;
   };
   const double rows = static_cast<double>(p);
   sumWindows<WindowOrder::kOldestFirst>(first, last, p, squaredGap, [&](Count i, double total) {
-    emit(i, middle[i - first], std::sqrt(total / rows) * d);
+    emit(i, middle[i], std::sqrt(total / rows) * d);
   });
 }
 

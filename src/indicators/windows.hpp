@@ -2,6 +2,7 @@
 
 #include "indicators/frame.hpp"
 #include "indicators/row_pairs.hpp"
+#include "platform/run_watch.hpp"
 
 /// Windows that are added afresh for each row. Rows are worked in blocks side by side, in vector registers,
 /// while each row keeps its own order of additions: the bits are those of the plain double loop.
@@ -27,6 +28,7 @@ void sumWindows(Count first, Count last, Count p, Term term, Emit emit) {
   constexpr Count kPairs = kRowBlock / 2;
   Count i = first;
   for (; i + kRowBlock <= last; i += kRowBlock) {
+    platform::spendSteps(kRowBlock / 4 * p);
     RowPair total[kPairs] = {};
     for (Count step = 0; step < p; ++step) {
       const Count k = distanceAt<order>(step, p);
@@ -38,6 +40,7 @@ void sumWindows(Count first, Count last, Count p, Term term, Emit emit) {
     for (Count r = 0; r < kRowBlock; ++r) emit(i + r, total[r / 2][r % 2]);
   }
   for (; i < last; ++i) {
+    platform::spendSteps(p);
     double total = 0.0;
     for (Count step = 0; step < p; ++step) {
       const Count k = distanceAt<order>(step, p);

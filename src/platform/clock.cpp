@@ -1,5 +1,6 @@
 #include "platform/clock.hpp"
 
+#include <atomic>
 #include <chrono>
 #include <ctime>
 
@@ -10,7 +11,9 @@
 
 namespace brindlewort::platform {
 
-std::uint32_t tickMilliseconds() {
+namespace {
+
+std::uint32_t systemTicks() {
 #if defined(_WIN32)
   return GetTickCount();
 #elif defined(CLOCK_MONOTONIC_COARSE)
@@ -24,6 +27,18 @@ std::uint32_t tickMilliseconds() {
   return static_cast<std::uint32_t>(
       duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
 #endif
+}
+
+std::atomic<TickSource> tickSource{systemTicks};
+
+}  // namespace
+
+std::uint32_t tickMilliseconds() {
+  return tickSource.load(std::memory_order_relaxed)();
+}
+
+TickSource setTickSource(TickSource source) {
+  return tickSource.exchange(source ? source : systemTicks);
 }
 
 std::int64_t secondsSince1970() {
