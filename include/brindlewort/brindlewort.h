@@ -7,7 +7,8 @@
  * must be written). Results come through trailing out-pointers: booleans as 0 for false and a non-zero
  * number for true, texts as UTF-8 that the caller frees with bw_free. A text result is null when the call
  * returns nothing. A null text argument reads as "". No function throws, and none keeps a pointer that the
- * caller gave, save for callbacks. One handle is used by one thread at a time.
+ * caller gave, save for callbacks. One handle is used by one thread at a time, but that bw_<class>_cancel may be called
+ * from any thread.
  *
  * The lines of a script end with CR LF. A line feed alone ends none: the lines around it are read as one, and what is
  * told of them is a name with a line feed in it ("Error: Undefined variable 'CLOSE\nA'"). Replace it before the call.
@@ -59,6 +60,12 @@ BW_API bw_script_output* bw_script_output_create(void);
 BW_API void bw_script_output_destroy(bw_script_output* h);
 /* The event of a failed script. A null function removes the present one. */
 BW_API int32_t bw_script_output_on_script_error(bw_script_output* h, bw_script_error_fn fn, void* user);
+/* Ends the call of this handle that runs on another thread. The call tells "Error: The script was cancelled." as it tells
+ * any error of a script, and gives what a failed run gives; the handle can be used as after any failed run. When no call
+ * runs nothing happens, so one that begins later is not touched. Not to be called beside destroy. Always 0, or -1. A run
+ * also ends by itself, with "Error: The script timed out. Please shorten your script and try again.", after five
+ * minutes. */
+BW_API int32_t bw_script_output_cancel(bw_script_output* h);
 
 /* Adds a bar at the end. Bars are neither sorted nor checked; row order is time order. */
 BW_API int32_t bw_script_output_append_record(bw_script_output* h, double jdate, double open_price,
@@ -187,6 +194,8 @@ BW_API bw_backtest* bw_backtest_create(void);
 BW_API void bw_backtest_destroy(bw_backtest* h);
 /* The event of a failed backtest, one without trades included. */
 BW_API int32_t bw_backtest_on_script_error(bw_backtest* h, bw_script_error_fn fn, void* user);
+/* Ends the call of this handle that runs on another thread; see bw_script_output_cancel. */
+BW_API int32_t bw_backtest_cancel(bw_backtest* h);
 /* From now on the random numbers behind the Monte Carlo figure begin with this seed, not with the clock. */
 BW_API int32_t bw_backtest_set_random_seed(bw_backtest* h, int64_t seed);
 
@@ -257,6 +266,8 @@ BW_API void bw_alert_destroy(bw_alert* h);
 BW_API int32_t bw_alert_on_alert(bw_alert* h, bw_alert_fn fn, void* user);
 /* The event of a script that failed, or of a component beyond the limit. */
 BW_API int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void* user);
+/* Ends the call of this handle that runs on another thread; see bw_script_output_cancel. */
+BW_API int32_t bw_alert_cancel(bw_alert* h);
 
 /* Adds a bar, with the date of its last trade, and evaluates the alert script over all bars. */
 BW_API int32_t bw_alert_append_record(bw_alert* h, double jdate, double open_price, double high_price,

@@ -12,7 +12,7 @@
 ///
 /// Member functions carry the host interface's own names. None throws for a script's sake: a script that
 /// fails is told to OnScriptError, and the call returns nothing. std::bad_alloc is thrown when memory runs
-/// out. One object is used by one thread at a time. What else holds for threads,
+/// out. One object is used by one thread at a time, but that Cancel may be called from any. What else holds for threads,
 /// stacks, floating point, locale and time zone stands at the head of brindlewort.h.
 
 #include <cstddef>
@@ -157,6 +157,10 @@ class CScriptOutput {
     bw_script_output_on_script_error(handle_.get(), listener ? &detail::TellListener : nullptr, listener.get());
     listener_ = std::move(listener);
   }
+
+  /// Ends the call that runs on another thread: it fails with "Error: The script was cancelled.", and the object goes on
+  /// as after any failed run. Nothing happens when no call runs.
+  void Cancel() noexcept { bw_script_output_cancel(handle_.get()); }
 
   // ---- Bars. Neither sorted nor checked: row order is time order, and a search by date takes the first
   // match.
@@ -395,6 +399,8 @@ class CBacktest {
     bw_backtest_on_script_error(handle_.get(), listener ? &detail::TellListener : nullptr, listener.get());
     listener_ = std::move(listener);
   }
+  /// Ends the backtest that runs on another thread, with "Error: The script was cancelled.". Nothing happens without one.
+  void Cancel() noexcept { bw_backtest_cancel(handle_.get()); }
   /// From now on the random numbers behind the Monte Carlo figure begin with this seed, not with the clock.
   void SetRandomSeed(std::int64_t seed) { Check(bw_backtest_set_random_seed(handle_.get(), seed)); }
 
@@ -523,6 +529,10 @@ class CAlert {
   void OnAlert(AlertCallback callback) { events_->alert = std::move(callback); }
   /// What to call when it fails.
   void OnScriptError(ErrorCallback callback) { events_->error = std::move(callback); }
+
+  /// Ends the evaluation that runs on another thread, with "Error: The script was cancelled.". Nothing happens without
+  /// one.
+  void Cancel() noexcept { bw_alert_cancel(handle_.get()); }
 
   // ---- Properties. Symbol and name go into every event. A script that is set is evaluated at once, and from then on
   // whenever a bar comes or changes; one of fewer than 5 characters is kept and never evaluated.

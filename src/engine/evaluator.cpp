@@ -9,17 +9,13 @@
 #include "engine/operators.hpp"
 #include "engine/scanner.hpp"
 #include "functions/script_engine.hpp"
-#include "platform/clock.hpp"
+#include "platform/run_watch.hpp"
 #include "series/numbers.hpp"
 #include "series/text.hpp"
 
 namespace brindlewort {
 
 namespace {
-
-constexpr std::uint32_t kTimeLimitMs = 300'000;
-constexpr std::string_view kTimedOut =
-    "Error: The script timed out. Please shorten your script and try again.";
 
 using namespace scanner;
 
@@ -52,19 +48,13 @@ void CScriptEngine::abortRun() {
   abortMark = "timeout";
 }
 
-void CScriptEngine::testTimeLimit() {
-  if (platform::tickMilliseconds() - startTicks <= kTimeLimitMs) return;
-  errorText = kTimedOut;
-  abortMark = "timeout";
-}
-
 ScriptVariable CScriptEngine::EvaluateExpression(std::string_view text) {
   const DepthGuard guard(nesting_);
   if (guard.isTooDeep() || rowsHeld_ > kMaxRowsHeld) {
     abortRun();
     return {};
   }
-  testTimeLimit();
+  platform::lookAfterRun();
   std::string key = MakeKey(text, "");
   if (const ScriptVariable* known = variables.get(key)) return *known;
   if (const ScriptVariable* known = constants.get(key)) return *known;

@@ -66,6 +66,17 @@ struct Expression {
   std::size_t variableRows = 0;
   std::uint64_t variableSeen = 0;  ///< when it went there
 
+  /// How the evaluations of one run went, of which a third would only repeat the second.
+  struct Repeats {
+    std::uint64_t run = 0;
+    int times = 0;
+    std::uint64_t effects = 0;  ///< the engine's, when the last one began
+    int levels = 0;             ///< evaluations inside one another, this one being the first
+    bool calls = false;         ///< functions were called, or brackets read:
+    std::string_view lastCall;  ///< the last one, empty for a bracket
+  };
+  Repeats repeats;
+
   bool valid = false;      ///< the last evaluation ended without an error
   std::size_t rows = 0;    ///< that it computed
   double scalar = 0.0;     ///< its value

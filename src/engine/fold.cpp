@@ -59,6 +59,7 @@ void Fold::take(std::size_t index) {
   now.leftHasRows = hasRows_;
   now.leftValue = value_;
   if (now.entry == &target_ && steps.size() > 1 && out_ != &scratch_) {
+    ++engine_.effects_;  // it reads what it writes
     scratch_ = *out_;
     scratch_.edit();
     out_ = &scratch_;
@@ -225,7 +226,7 @@ Fold::Operand Fold::operandOf(const StoreEntry* entry) {
 
 /// A bracket group gives its series, and a value that has passed through a text of 20 decimals.
 Fold::Operand Fold::evaluateGroup(Term& term) {
-  engine_.lastCall_ = {};
+  engine_.noteCall({});
   if (term.text == "CSP()") engine_.resolvePattern();
   if (!term.group) term.group = &engine_.expressions_->ofPiece(term.text);
   const StoreEntry& entry = engine_.EvaluateFast(*term.group);
@@ -238,7 +239,7 @@ Fold::Operand Fold::evaluateGroup(Term& term) {
 
 Fold::Operand Fold::evaluateCall(Term& term) {
   CallSite& site = *term.call;
-  engine_.lastCall_ = site.name;
+  engine_.noteCall(site.name);
   engine_.evaluateArgumentsFast(site);
   if (engine_.aborted_) return {};
   const StoreEntry* result = engine_.EvaluateFunctionFast(site);

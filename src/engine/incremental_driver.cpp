@@ -5,7 +5,7 @@
 #include "engine/expression.hpp"
 #include "engine/program.hpp"
 #include "functions/script_engine.hpp"
-#include "platform/clock.hpp"
+#include "platform/run_watch.hpp"
 
 namespace brindlewort {
 
@@ -55,7 +55,6 @@ std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
   const std::int32_t rows = static_cast<std::int32_t>(bars.size());
   const std::int32_t lookback = windowLength;
   if (lookback > rows && !dryRun) return std::string(kNotEnoughData);
-  startTicks = platform::tickMilliseconds();
   windowLength = rows;
   wholeHistory = true;
   workSeries_.setRows(bars.size());
@@ -63,9 +62,15 @@ std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
 
   std::string text;
   const std::int32_t runs = rowScan ? rows - std::min(lookback, rows) : 1;
-  for (std::int32_t i = 0; i < runs && errorText.empty(); ++i) text = runStatements();
+  try {
+    const platform::RunWatch watch(cancelSwitch);
+    for (std::int32_t i = 0; i < runs && errorText.empty(); ++i) text = runStatements();
+  } catch (const platform::RunStopped& stop) {
+    endRun(stop);
+  }
   if (aborted_) errorText = kTooComplex;
   currentFunction = lastCall_;
+  repeatsAll_ = false;
   return errorText.empty() ? text : errorText;
 }
 

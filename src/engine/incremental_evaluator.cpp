@@ -8,14 +8,15 @@
 #include "engine/expression.hpp"
 #include "engine/fold.hpp"
 #include "functions/script_engine.hpp"
+#include "platform/run_watch.hpp"
 #include "series/text.hpp"
 
 namespace brindlewort {
 
 namespace {
 
-/// The clock is read once in so many evaluations.
-constexpr std::uint32_t kEvaluationsPerClockRead = 64;
+/// What an evaluation counts for, beside what its calls do: the clock is read once in 64 evaluations.
+constexpr std::int64_t kStepsOfEvaluation = std::int64_t{1} << 14;
 
 bool isPriceName(std::string_view text) {
   static constexpr std::array<std::string_view, 5> kNames = {"OPEN", "HIGH", "LOW", "CLOSE", "VOLUME"};
@@ -58,8 +59,8 @@ StoreEntry* CScriptEngine::entryOf(Expression& expression) {
   return entry;
 }
 
-/// True for a text that is nothing but the name of its own entry, as a variable's name in an argument or a bracket is:
-/// there is nothing to compute.
+/// True for a text that is nothing but the name of its own entry, as a variable's name in an argument or a
+/// bracket is: there is nothing to compute.
 bool CScriptEngine::isItsOwnName(Expression& expression) {
   if (expression.steps.size() != 1 || !errorText.empty()) return false;
   Term& term = expression.steps[0].term;
@@ -76,24 +77,59 @@ const StoreEntry* CScriptEngine::variableOf(Term& term) {
   return term.named;
 }
 
+/// True when an evaluation would change nothing. The second one in a run may still change the last row, since
+/// a resumed operation forms it anew; a third finds everything as the second did, unless something has
+/// happened in between that evaluations depend on. Conditions and the parts of IF are evaluated as arguments
+/// and once more by the function: without this a nest of them would be evaluated twice as often at each
+/// level.
+bool CScriptEngine::onlyRepeats(const Expression& expression) const {
+  const Expression::Repeats& before = expression.repeats;
+  return before.times >= 2 && !repeatsAll_ && before.run == runNumber_ && before.effects == effects_ &&
+         expression.valid && errorText.empty() &&
+         expression.entry->changes.since(expression.seen) == ChangeLog::kNone;
+}
+
+void CScriptEngine::noteEvaluation(Expression& expression, std::uint64_t effects, std::uint64_t calls) {
+  Expression::Repeats& repeats = expression.repeats;
+  repeats.times = repeats.run == runNumber_ && repeats.effects == effects ? repeats.times + 1 : 1;
+  repeats.run = runNumber_;
+  repeats.effects = effects;
+  repeats.levels = deepest_ - depth_ + 1;
+  repeats.calls = callsNoted_ != calls;
+  repeats.lastCall = lastCall_;
+}
+
 const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
   const DepthGuard guard(nesting_);
   if (guard.isTooDeep()) {
     abortRun();
     return nothing();
   }
-  if (++sinceClockRead_ % kEvaluationsPerClockRead == 0) testTimeLimit();
+  platform::spendSteps(kStepsOfEvaluation);
+  deepest_ = std::max(deepest_, depth_);
   StoreEntry* entry = entryOf(expression);
   if (!entry) return nothing();
   if (expression.isDirect) return *entry;
   if (!expression.scanned) scanExpression(expression);
   if (isItsOwnName(expression)) return *entry;
+  if (onlyRepeats(expression)) {
+    const Expression::Repeats& repeats = expression.repeats;
+    deepest_ = std::max(deepest_, depth_ + repeats.levels - 1);
+    if (deepest_ > kMaxDepth) abortRun();
+    if (repeats.calls) noteCall(repeats.lastCall);
+    return *entry;
+  }
+  const std::uint64_t effects = effects_, calls = callsNoted_;
+  const int deepestOutside = std::exchange(deepest_, depth_);
   Fold(*this, expression, *entry).run();
   if (!expression.setName.empty()) rememberFast(expression, *entry);
+  noteEvaluation(expression, effects, calls);
+  deepest_ = std::max(deepest_, deepestOutside);
   return *entry;
 }
 
 void CScriptEngine::forgetRows() {
+  repeatsAll_ = true;
   if (expressions_) expressions_->forgetRows();
 }
 
@@ -125,6 +161,7 @@ StoreEntry* CScriptEngine::lookupFast(std::string_view name) {
 /// Stores the value of a SET statement under its name, over an entry of that name. Only rows that can differ
 /// are copied.
 void CScriptEngine::rememberFast(Expression& statement, const StoreEntry& value) {
+  ++effects_;
   const bool known = statement.variable && statement.variableShape == variables.shape();
   StoreEntry* variable = known ? statement.variable : variables.get(statement.setName);
   if (!variable) {

@@ -7,7 +7,7 @@
 #include "engine/expression.hpp"
 #include "engine/program.hpp"
 #include "functions/script_engine.hpp"
-#include "platform/clock.hpp"
+#include "platform/run_watch.hpp"
 #include "series/text.hpp"
 
 namespace brindlewort {
@@ -16,6 +16,8 @@ namespace {
 
 constexpr std::size_t kLongestScript = 63'999;
 constexpr std::string_view kLineBreak = "\r\n";
+constexpr std::string_view kTimedOut =
+    "Error: The script timed out. Please shorten your script and try again.";
 
 std::string replaceTabsAndDoubleBlanks(std::string_view script) {
   return std::string(trim(replaceAll(replaceAll(script, "\t", " "), "  ", " ")));
@@ -144,9 +146,19 @@ std::string CScriptEngine::RunScript(std::string_view script, bool rowScan, bool
     bars.use(madeUpBars_);
     paddedData = true;
   }
-  startTicks = platform::tickMilliseconds();
-
   std::string resultText;
+  try {
+    const platform::RunWatch watch(cancelSwitch);
+    runProgram(program, rowScan, resultText);
+  } catch (const platform::RunStopped& stop) {
+    endRun(stop);
+  }
+  wholeHistory = false;
+  if (aborted_) errorText = kTooComplex;
+  return errorText.empty() ? resultText : errorText;
+}
+
+void CScriptEngine::runProgram(const Program& program, bool rowScan, std::string& resultText) {
   if (rowScan) {
     for (std::size_t row = static_cast<std::size_t>(windowLength); row < bars.size() && errorText.empty();
          ++row) {
@@ -155,9 +167,14 @@ std::string CScriptEngine::RunScript(std::string_view script, bool rowScan, bool
   } else if (BuildPriceFields(bars.size() - 1) || paddedData) {
     evaluateStatements(program.sets, program.main, resultText);
   }
-  wholeHistory = false;
-  if (aborted_) errorText = kTooComplex;
-  return errorText.empty() ? resultText : errorText;
+}
+
+/// What the host is told of a run that was stopped on its way.
+void CScriptEngine::endRun(const platform::RunStopped& stop) {
+  const bool cancelled = stop.reason == platform::RunStopped::Reason::kCancelled;
+  if (cancelled) takeCancel();
+  errorText = cancelled ? kCancelled : kTimedOut;
+  abortMark = cancelled ? "cancelled" : "timeout";
 }
 
 /// Evaluates the SET statements and the main expression; the first error ends it, so that `currentFunction`

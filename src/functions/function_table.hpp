@@ -160,6 +160,7 @@ struct FunctionRow {
   Handler handler = nullptr;
   IncrementalHandler incrementalHandler = {};
   Rewrites rewrites = Rewrites::kNone;
+  bool settles = true;  ///< from the second call on over the same rows, a resumed call changes nothing more
   Path path = Path::kBoth;
   int required = 1;  ///< arguments below this count are reported while splitting
   Report surplus = {ReportKind::kInvalid, "Number of"};  ///< its kind is that of a decimal's report too

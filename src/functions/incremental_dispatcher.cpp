@@ -136,6 +136,11 @@ void CScriptEngine::listOutput(StoreEntry& entry) {
   outputEntries.push_back(&entry);
 }
 
+void CScriptEngine::noteCall(std::string_view name) {
+  lastCall_ = name;
+  ++callsNoted_;
+}
+
 /// The entry of a call's result, found or made.
 StoreEntry* CScriptEngine::resultOf(CallSite& site) {
   if (site.result && site.resultShape == variables.shape()) return site.result;
@@ -180,20 +185,29 @@ bool CScriptEngine::bindCall(CallSite& site) {
   return true;
 }
 
-/// Runs the operation into the entry of the result.
+/// Runs the operation into the entry of the result. One that is interrupted leaves rows and work series that
+/// are computed in full the next time.
 bool CScriptEngine::runCall(CallSite& site, StoreEntry& result) {
   const FunctionRow& row = *site.function.row;
   site.changedFrom = firstRewritten(row, site, result.slot);
+  if (result.slot == -1) platform::spendSteps(windowLength);
+  if (!row.settles) ++effects_;
   workSeries_.askFor(site.work);
-  if (row.incrementalHandler.run) return row.incrementalHandler.run(*this, site, result);
-  const PriceSources prices = priceSources();
-  const IncrementalArguments arguments{workSeries_, site, prices, site.function.output, result.name};
-  row.incremental(arguments, {result.values.edit(), &result.slot});
-  return true;
+  try {
+    if (row.incrementalHandler.run) return row.incrementalHandler.run(*this, site, result);
+    const PriceSources prices = priceSources();
+    const IncrementalArguments arguments{workSeries_, site, prices, site.function.output, result.name};
+    row.incremental(arguments, {result.values.edit(), &result.slot});
+    return true;
+  } catch (...) {
+    result.values.clear();
+    site.work.restart();
+    throw;
+  }
 }
 
 StoreEntry* CScriptEngine::EvaluateFunctionFast(CallSite& site) {
-  lastCall_ = site.name;
+  noteCall(site.name);
   StoreEntry* result = resultOf(site);
   if (!result) return nullptr;
   const std::size_t rows = static_cast<std::size_t>(std::max(windowLength, 0));

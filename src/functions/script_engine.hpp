@@ -12,6 +12,7 @@
 #include "functions/transient_store.hpp"
 #include "functions/variable_store.hpp"
 #include "indicators/frame.hpp"
+#include "platform/run_watch.hpp"
 #include "series/bar.hpp"
 #include "series/field.hpp"
 #include "series/run_bars.hpp"
@@ -99,7 +100,8 @@ class CScriptEngine {
   /// Evaluates it into its entry in `variables` and brings the rows up to date that can have changed. The
   /// answer is the entry (a constant's for a constant's name), valid until entries are removed.
   const StoreEntry& EvaluateFast(Expression& expression);
-  /// The next run makes all rows of all expressions anew. Functions resume all the same. For tests.
+  /// The next run makes all rows of all expressions anew, and an expression each time that it stands in the
+  /// script. Functions resume all the same. For tests.
   void forgetRows();
   /// Calls a function; null, and `errorText` set, when the call fails. The argument values of the site are
   /// those of this run.
@@ -143,6 +145,8 @@ class CScriptEngine {
   /// A series of `windowLength` zeros; all share one buffer.
   const Series& zeros();
 
+  /// True once when another thread has cancelled the call that this engine works for.
+  bool takeCancel() { return cancelSwitch && cancelSwitch->takeCancel(); }
   /// Ends the run for good: too deep or too large to go on.
   void abortRun();
 
@@ -158,14 +162,15 @@ class CScriptEngine {
   std::vector<Field> fields;                       ///< "D", "O", "H", "L", "C", "V" of the run
   RunBars bars;
   bool barsStand = false;     ///< no bar changes from run to run, so the price series are made but once
-  std::uint32_t startTicks = 0;
+  /// Lets another thread end a run; null for an engine whose runs nobody cancels.
+  platform::CancelSwitch* cancelSwitch = nullptr;
   std::vector<std::string> outputNames;  ///< names of the series to be printed, in order of making
   bool paddedData = false;               ///< the run uses made-up bars
-  std::string abortMark;                 ///< function that caused the error, or "timeout" after a fatal limit
-  std::int32_t candleOutputId = 0;       ///< set while an output is asked of a script with CSP
-  std::int32_t candlePattern = -1;       ///< the pattern named in "CSP() = ...", -1 for none
-  bool eventListMode = false;            ///< the output is the list of event rows
-  ScriptVariable result;                 ///< of the last main expression
+  std::string abortMark;  ///< function that caused the error, "timeout" after a fatal limit, or "cancelled"
+  std::int32_t candleOutputId = 0;  ///< set while an output is asked of a script with CSP
+  std::int32_t candlePattern = -1;  ///< the pattern named in "CSP() = ...", -1 for none
+  bool eventListMode = false;       ///< the output is the list of event rows
+  ScriptVariable result;            ///< of the last main expression
 
   // Of the incremental way.
   static constexpr std::int32_t kKeepScripts = 101;  ///< a further preparation adds its statements
@@ -192,6 +197,7 @@ class CScriptEngine {
   struct Program;
   enum class Way { kWholeHistory, kIncremental };
   std::string readProgram(std::string_view script, Way way, Program& program);
+  void runProgram(const Program& program, bool rowScan, std::string& resultText);
 
   friend class Fold;
   bool bindCall(CallSite& site);
@@ -200,6 +206,9 @@ class CScriptEngine {
   StoreEntry* entryOf(Expression& expression);
   StoreEntry* lookupFast(std::string_view name);
   const StoreEntry* variableOf(Term& term);
+  bool onlyRepeats(const Expression& expression) const;
+  void noteEvaluation(Expression& expression, std::uint64_t effects, std::uint64_t calls);
+  void noteCall(std::string_view name);
   bool isItsOwnName(Expression& expression);
   StoreEntry* dateEntry();
   void rememberFast(Expression& statement, const StoreEntry& value);
@@ -212,7 +221,7 @@ class CScriptEngine {
   void takeLevel(StoreEntry& entry, double value);
   void evaluateArgumentsFast(CallSite& site);
   std::string runStatements();
-  void testTimeLimit();
+  void endRun(const platform::RunStopped& stop);
 
   std::string scriptText_;         ///< the script as handed to the driver: upper-cased, without comments
   std::vector<Bar> madeUpBars_;    ///< of a dry run with too few bars
@@ -226,14 +235,17 @@ class CScriptEngine {
   TransientStore workSeries_{variables};
   std::uint64_t moment_ = 0;  ///< of the last change of an entry's rows
   std::uint64_t runNumber_ = 0;
-  std::string_view lastCall_;   ///< the name in front of the bracket that was read last
+  std::string_view lastCall_;  ///< the name in front of the bracket that was read last
+  std::uint64_t callsNoted_ = 0;
+  std::uint64_t effects_ = 0;   ///< events after which an evaluation may give something else than before
+  bool repeatsAll_ = false;     ///< this run evaluates what would only repeat itself
+  int deepest_ = 0;             ///< greatest `depth_` within the evaluation that is under way
   std::size_t datesTaken_ = 0;  ///< rows of the entry "DATE" that are filled
   std::array<const StoreEntry*, 5> priceEntries_{};
   std::uint64_t priceShape_ = 0;
   std::vector<Expression*> prepared_;  ///< the statements and the main expression
   std::size_t reservedEntries_ = 0;
-  bool patternKnown_ = false;         ///< `candlePattern` is that of the script
-  std::uint32_t sinceClockRead_ = 0;  ///< evaluations of the incremental way
+  bool patternKnown_ = false;  ///< `candlePattern` is that of the script
 };
 
 /// More evaluations inside one another end the run; on a thread with a small stack fewer do.
@@ -246,6 +258,7 @@ inline constexpr std::size_t kMostReservedRows = std::size_t{1} << 20;
 inline constexpr std::uint64_t kMaxRowsHeld = std::uint64_t{1} << 30;
 
 inline constexpr std::string_view kTooComplex = "Error: Script too complex.";
+inline constexpr std::string_view kCancelled = "Error: The script was cancelled.";
 inline constexpr std::string_view kNotEnoughData = "Error: Not enough data available to run script";
 
 }  // namespace brindlewort

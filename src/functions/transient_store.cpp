@@ -82,6 +82,13 @@ void TransientStore::forget() {
   memo_ = &own_;
 }
 
+void FieldMemo::restart() {
+  for (Known& known : known_) {
+    std::ranges::fill(known.entry->values.edit(), NULL_VALUE);
+    known.entry->slot = -1;
+  }
+}
+
 StoreEntry* FieldMemo::recall(std::string_view name, std::initializer_list<KeyPart> parts) {
   // An operation asks for the same fields in the same order each time, so the next one is the likely one.
   for (std::size_t tried = 0; tried < known_.size(); ++tried) {

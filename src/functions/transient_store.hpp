@@ -20,6 +20,8 @@ void NormalizeKey(std::string& text);
 class FieldMemo {
  public:
   void clear() { known_.clear(); }
+  /// The series are computed in full the next time that they are asked for.
+  void restart();
 
  private:
   friend class TransientStore;

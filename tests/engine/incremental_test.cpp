@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "functions/script_engine.hpp"
-#include "platform/clock.hpp"
 #include "support/series_checks.hpp"
 
 namespace brindlewort {
@@ -485,23 +484,6 @@ TEST(IncrementalLimits, AScriptThatFitsAfterAllRunsAgain) {
   engine.prepare("SET A = CLOSE\r\n1");
   EXPECT_EQ(engine.run(), "ALERT");
   EXPECT_EQ(engine.rows("A"), engine.rows("CLOSE"));
-}
-
-TEST(IncrementalLimits, ARunMayTakeThreeHundredSeconds) {
-  Living engine("CLOSE");
-  engine.run();
-  // The clock is read once in some evaluations.
-  const auto evaluate = [&] {
-    for (int i = 0; i < 200; ++i) engine.EvaluateFast(engine.expressionOf("CLOSE"));
-  };
-  engine.startTicks = platform::tickMilliseconds() - 290'000;
-  evaluate();
-  EXPECT_EQ(engine.errorText, "");
-  engine.startTicks = platform::tickMilliseconds() - 300'001;
-  evaluate();
-  EXPECT_EQ(engine.errorText, "Error: The script timed out. Please shorten your script and try again.");
-  EXPECT_EQ(engine.abortMark, "timeout");
-  EXPECT_EQ(engine.run(), "ALERT");
 }
 
 TEST(IncrementalLimits, AnyBytesAreAText) {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "functions/script_engine.hpp"
-#include "platform/clock.hpp"
 #include "support/series_checks.hpp"
 
 namespace brindlewort {
@@ -111,16 +110,6 @@ TEST(Dispatcher, TooFewArgumentsWithoutAFunctionName) {
   CScriptEngine engine;
   engine.NthArgument("A", 1, 2);
   EXPECT_EQ(engine.errorText, "Error: Argument not optional");
-}
-
-TEST(Evaluator, ARunIsEndedAfterFiveMinutes) {
-  RunOf run("CLOSE");
-  run.engine.errorText.clear();
-  run.engine.startTicks = platform::tickMilliseconds() - 300'001;
-  run.engine.EvaluateExpression("HIGH + 1");
-  EXPECT_EQ(run.engine.errorText,
-            "Error: The script timed out. Please shorten your script and try again.");
-  EXPECT_EQ(run.engine.abortMark, "timeout");
 }
 
 TEST(Candlesticks, WithoutRowsTheTypeOfTheNewestCandleIsTheValue) {

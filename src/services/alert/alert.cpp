@@ -166,12 +166,14 @@ bool CAlert::Evaluate(std::string_view EvaluateScript) {
 /// that follow. The driver takes the first bar for no row of any series; with fillers that is the later one
 /// of them, the other is row 0, and the host's first bar counts too.
 std::string CAlert::runOverAllBars(Fillers fillers) {
+  const platform::CancelSwitch::Call call(*cancel_);
   std::string text;
   try {
     const SeriesPool::Scope scope(*pool_);
     lastRun_ = nullptr;
     engine_.reset();
     engine_ = std::make_unique<CScriptEngine>();
+    engine_->cancelSwitch = cancel_.get();
     engine_->bars.use(bars_.rows());
     if (fillers == Fillers::kTwo) {
       engine_->bars.insertFiller(kFirstFillerDate);
@@ -266,8 +268,10 @@ void CAlert::evaluateLiving() {
 
 /// A run of the prepared script on the living engine, which keeps its series when memory runs out.
 std::string CAlert::runLiving() {
+  const platform::CancelSwitch::Call call(*cancel_);
   std::string text;
   lastRun_ = living_.get();
+  living_->cancelSwitch = cancel_.get();
   try {
     living_->bars.use(livingBars_.rows());
     text = living_->RunFast(false, false);

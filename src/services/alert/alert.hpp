@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "platform/alert_count.hpp"
+#include "platform/run_watch.hpp"
 #include "series/bar.hpp"
 #include "series/series.hpp"
 
@@ -105,6 +106,10 @@ class CAlert {
   /// The engine of the last run of either way; null before the first. Valid until the next call.
   const CScriptEngine* lastEngine() const { return lastRun_; }
 
+  /// Ends the evaluation that is under way with the error "Error: The script was cancelled.", from another
+  /// thread; without one nothing happens. The component goes on as after any failed run.
+  void Cancel() noexcept { cancel_->cancel(); }
+
  private:
   enum class Fillers { kNone, kTwo };
   void evaluateOnChange();
@@ -116,6 +121,7 @@ class CAlert {
   void fireAlert(double lastTradeDate, double lastTradePrice);
   void fireError(std::string_view description);
 
+  std::unique_ptr<platform::CancelSwitch> cancel_ = std::make_unique<platform::CancelSwitch>();
   platform::AlertSeat seat_;
   bool alertsExceeded_;
   std::string symbol_;

@@ -59,11 +59,13 @@ std::int32_t CBacktest::RecordCount() const {
 /// engine before. False when memory ran out.
 template <class Work>
 bool CBacktest::guarded(Work work) {
+  const platform::CancelSwitch::Call call(*cancel_);
   bool done = false;
   try {
     const SeriesPool::Scope scope(*pool_);
     engine_.reset();
     engine_ = std::make_unique<CScriptEngine>();
+    engine_->cancelSwitch = cancel_.get();
     work(*engine_);
     engine_->bars.clear();
     done = true;

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/run_watch.hpp"
 #include "series/bar.hpp"
 #include "series/series.hpp"
 #include "services/backtest/backtest_run.hpp"
@@ -56,6 +57,10 @@ class CBacktest {
   /// The same run as data. A failed run is told by ScriptError too, and by the text in the result.
   BacktestRun runBacktest(const BacktestRequest& request, const ScriptWay& way = kWholeHistoryWay);
 
+  /// Ends the backtest that is under way with the error "Error: The script was cancelled.", from another
+  /// thread; without one nothing happens.
+  void Cancel() noexcept { cancel_->cancel(); }
+
   const BarStore& bars() const { return bars_; }
   /// Room for `more` bars to be appended.
   void makeRoom(std::size_t more) { bars_.makeRoom(more); }
@@ -69,6 +74,7 @@ class CBacktest {
   std::optional<std::string> report(const ScriptWay& way, const BacktestRequest& request);
   bool tellError(std::string_view result);
 
+  std::unique_ptr<platform::CancelSwitch> cancel_ = std::make_unique<platform::CancelSwitch>();
   BarStore bars_;
   std::unique_ptr<SeriesPool> pool_;       ///< buffers of the run before, for the next
   std::unique_ptr<CScriptEngine> engine_;  ///< of the last run

@@ -109,6 +109,10 @@ BacktestRun runBacktest(CScriptEngine& engine, const ScriptWay& way, const Backt
   run.firstDate = bars[static_cast<std::size_t>(way.fillers)].JDate;
   run.lastDate = last.JDate;
   run.trades = simulateTrades(collector.take(), bars, request.maxOpenDays, request.slipPct);
+  if (engine.takeCancel()) {
+    run.error = kCancelled;
+    return run;
+  }
   run.statistics = computeStatistics(run.trades, last.ClosePrice, seed);
   if (!run.statistics) run.error = kNoTrades;
   return run;

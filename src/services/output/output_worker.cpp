@@ -178,6 +178,7 @@ std::string outputText(CScriptEngine& engine, std::string_view hostScript, std::
   text = "Date";
   appendHeading(text, columns);
   for (std::size_t i = first; i < bars; ++i) {
+    if (engine.takeCancel()) return std::string(kCancelled);
     appendDateTimeText(text, engine.bars[i].JDate);
     for (const OutputColumn& column : columns) {
       // The first bar never reaches a series.
@@ -271,6 +272,7 @@ std::string preparedOutputText(CScriptEngine& engine, std::string_view hostScrip
   appendHeading(text, columns);
   if (!dated && text.starts_with(',')) text.erase(0, 1);
   for (std::size_t i = first; i < bars; ++i) {
+    if (engine.takeCancel()) return std::string(kCancelled);
     if (dated) appendDateTimeText(text, engine.bars[i].JDate);
     bool comma = dated;
     for (const OutputColumn& column : columns) {

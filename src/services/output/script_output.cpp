@@ -91,11 +91,13 @@ std::optional<std::int32_t> CScriptOutput::GetRecordNumberByJDate(double JDate) 
 /// engine before. A lack of memory becomes the event.
 template <class Work>
 auto CScriptOutput::guarded(Work work) -> decltype(work()) {
+  const platform::CancelSwitch::Call call(*cancel_);
   try {
     const SeriesPool::Scope scope(*pool_);
     lastRun_ = nullptr;
     engine_.reset();
     engine_ = std::make_unique<CScriptEngine>();
+    engine_->cancelSwitch = cancel_.get();
     lastRun_ = engine_.get();
     auto result = work();
     engine_->bars.clear();
@@ -241,7 +243,9 @@ bool CScriptOutput::EditJDate_New(double OldJDate, double NewJDate) {
 template <class Work>
 auto CScriptOutput::livingRun(std::string_view script, std::int32_t mapCount, Work work) ->
     typename std::invoke_result<Work, CScriptEngine&>::type {
+  const platform::CancelSwitch::Call call(*cancel_);
   CScriptEngine& engine = *living_;
+  engine.cancelSwitch = cancel_.get();
   lastRun_ = &engine;
   pointers_->endOfPromise();
   typename std::invoke_result<Work, CScriptEngine&>::type result{};

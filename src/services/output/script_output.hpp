@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "platform/run_watch.hpp"
 #include "series/bar.hpp"
 #include "series/run_bars.hpp"
 #include "series/series.hpp"
@@ -110,6 +111,10 @@ class CScriptOutput {
   std::intptr_t GetScriptOutput_PTR(std::string_view DefaultScript, std::int32_t MapCount,
                                     std::string_view OutputSets);
 
+  /// Ends the call that is under way with the error "Error: The script was cancelled.", from another thread;
+  /// without a call nothing happens. The component goes on as after any failed run.
+  void Cancel() noexcept { cancel_->cancel(); }
+
   /// A series of the last run by the name a column shows or a script writes; null when unknown.
   const Series* findSeries(std::string_view name) const;
 
@@ -131,6 +136,7 @@ class CScriptOutput {
       typename std::invoke_result<Work, CScriptEngine&>::type;
   void outOfMemory();
 
+  std::unique_ptr<platform::CancelSwitch> cancel_ = std::make_unique<platform::CancelSwitch>();
   BarStore bars_;
   BarStore livingBars_;                    ///< of the incremental way
   std::unique_ptr<CScriptEngine> living_;  ///< of the incremental way

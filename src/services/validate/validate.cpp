@@ -35,7 +35,6 @@ void reset(CScriptEngine& engine) {
   engine.wholeHistory = false;
   engine.paddedData = false;
   engine.windowLength = 0;
-  engine.startTicks = 0;
   engine.outputNames.clear();
   engine.bars.clear();
 }

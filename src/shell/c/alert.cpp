@@ -65,6 +65,10 @@ int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void* user) 
   });
 }
 
+int32_t bw_alert_cancel(bw_alert* h) {
+  return cancelCall(h);
+}
+
 int32_t bw_alert_append_record(bw_alert* h, double jdate, double open_price, double high_price,
                                double low_price, double close_price, int32_t volume, double last_trade_date) {
   return onHandle(h, [&](bw_alert& handle) {

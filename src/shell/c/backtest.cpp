@@ -46,6 +46,10 @@ int32_t bw_backtest_set_random_seed(bw_backtest* h, int64_t seed) {
   });
 }
 
+int32_t bw_backtest_cancel(bw_backtest* h) {
+  return cancelCall(h);
+}
+
 int32_t bw_backtest_append_record(bw_backtest* h, double jdate, double open_price, double high_price,
                                   double low_price, double close_price, int32_t volume) {
   return appendRecord(h, jdate, open_price, high_price, low_price, close_price, volume);

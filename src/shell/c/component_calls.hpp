@@ -36,6 +36,14 @@ std::int32_t onScriptError(Handle* h, Function fn, void* user) {
   });
 }
 
+/// May run on another thread than the call of this handle that it ends: it touches nothing but a flag.
+template <class Handle>
+std::int32_t cancelCall(Handle* h) noexcept {
+  if (!h) return kNullArgument;
+  h->component.Cancel();
+  return kSuccess;
+}
+
 // ---- Bars without the date of a last trade
 
 template <class Handle>

@@ -26,6 +26,10 @@ int32_t bw_script_output_on_script_error(bw_script_output* h, bw_script_error_fn
   return onScriptError(h, fn, user);
 }
 
+int32_t bw_script_output_cancel(bw_script_output* h) {
+  return cancelCall(h);
+}
+
 int32_t bw_script_output_append_record(bw_script_output* h, double jdate, double open_price,
                                        double high_price, double low_price, double close_price,
                                        int32_t volume) {
