@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/series_checks.hpp"
+#include "values/twin_frame.hpp"
+
+/// Value cases: a call as a script writes it, and the rows that it must give in each way. Each family of
+/// functions lists its own in a file of its own; values_test.cpp runs them all and holds the list against the
+/// vocabulary.
+namespace brindlewort::testing {
+
+/// The bars of a run as columns, in the rows of the way that reads them: over the whole history row 0 is a
+/// filler bar, whose prices are 0, and row i the host's bar i; on the incremental way row i is bar i + 1.
+struct Bars {
+  Rows date, open, high, low, close, volume;
+  int count() const { return countOf(close); }
+};
+
+using Expected = std::function<Rows(const Bars&)>;
+
+struct ValueCase {
+  std::vector<std::string> names;  ///< all spellings: the case holds for each
+  std::string arguments;           ///< what stands in the brackets
+  Expected whole;                  ///< none: the names are unknown over the whole history
+  Expected living;                 ///< none: the names are unknown on the incremental way
+  bool streams = true;             ///< bars fed one by one give the rows of one call over all
+};
+
+/// All cases, family by family.
+std::vector<ValueCase>& valueCases();
+
+/// A family, which adds its cases to the list.
+struct Family {
+  explicit Family(std::vector<ValueCase> cases) {
+    for (ValueCase& c : cases) valueCases().push_back(std::move(c));
+  }
+};
+
+inline const Expected kUnknown = nullptr;
+
+}  // namespace brindlewort::testing
