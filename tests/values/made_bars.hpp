@@ -59,13 +59,25 @@ inline Bars steppingBars(int count) {
   return b;
 }
 
+/// Halves, so that a close stands in the middle of its bar now and then; each bar has a range.
+inline Bars halvedBars(int count) {
+  Bars b = walkingBars(count);
+  for (Rows* rows : {&b.open, &b.high, &b.low, &b.close}) {
+    for (double& x : *rows) x = std::round(x) / 2;
+  }
+  for (int i = 0; i < count; ++i) b.high[i] += 0.5;
+  return b;
+}
+
 struct MadeBars {
   std::string what;
   Bars bars;
+  bool hasFlatBars = false;
 };
 inline const std::vector<MadeBars>& madeBars() {
   static const std::vector<MadeBars> all = {{"walking bars", walkingBars(90)},
-                                            {"stepping bars", steppingBars(90)}};
+                                            {"stepping bars", steppingBars(90), true},
+                                            {"halved bars", halvedBars(90)}};
   return all;
 }
 

@@ -27,6 +27,8 @@ struct ValueCase {
   Expected whole;                  ///< none: the names are unknown over the whole history
   Expected living;                 ///< none: the names are unknown on the incremental way
   bool streams = true;             ///< bars fed one by one give the rows of one call over all
+  bool bearsFlatBars = true;       ///< a bar without a range gives a number
+  std::string behind = {};         ///< the call is the main expression, with this behind it
 };
 
 /// All cases, family by family.
@@ -40,5 +42,30 @@ struct Family {
 };
 
 inline const Expected kUnknown = nullptr;
+
+/// Names of the vocabulary that no script can call in a way: a shorter name within the name is written short,
+/// or the scanner finds an operator in it. A call ends in an error.
+struct Uncallable {
+  std::string name;
+  bool whole, living;
+};
+inline const std::vector<Uncallable> kUncallable = {
+    {"ZEROLAGEXPONENTIALMOVINGAVERAGE", true, false},
+    {"COMPARATIVERELATIVESTRENGTHINDEX", true, false},
+    {"HISTORICVOLATILITYINDEX", true, false},
+    {"ACCUMULATIVESWINGINDEX", true, false},
+    {"MOMENTUMOSCILLATOR", false, true},
+    {"CHANDEMOMENTUMOSCILLATOR", false, true},
+    {"PRICEOSCILLATOR", false, true},
+    {"DETRENDEDPRICEOSCILLATOR", false, true},
+    {"FRACTALCHAOSOSCILLATOR", false, true},
+    {"PRIMENUMBEROSCILLATOR", false, true},
+    {"RAINBOWOSCILLATOR", false, true},
+    {"VOLUMEOSCILLATOR", false, true},
+    {"PRIMENUMBERBANDSTOP", false, true},
+    {"PRIMENUMBERBANDSBOTTOM", false, true},
+    {"AVERAGETRUERANGE", false, true},
+    {"ULTIMATEOSCILLATOR", false, true},
+};
 
 }  // namespace brindlewort::testing
