@@ -121,7 +121,7 @@ def sources_with(headers):
 def compile_sources(faults):
     """Compiles the sources with faults; gives the object of the release build and the one in its place."""
     commands = {entry["file"]: entry for entry in json.loads((RELEASE / "compile_commands.json").read_text())}
-    replaced = {}
+    replaced, failed = {}, []
     headers = {fault.file for fault in faults if fault.file.endswith(".hpp")}
     for file in sorted(headers):
         mine = WORK / "headers" / file
@@ -158,10 +158,13 @@ def compile_sources(faults):
         log = WORK / "compile.log"
         if run(words, log, cwd=entry["directory"]) != 0:
             print("failed")
-            sys.stderr.write(log.read_text()[:4000])
-            raise SystemExit(f"{file} does not compile with its faults")
-        print("done")
+            sys.stderr.write(log.read_text()[:2000])
+            failed.append(file)
+            continue
+        print("done", flush=True)
         replaced[str((Path(entry["directory"]) / target).resolve())] = obj
+    if failed:
+        raise SystemExit("these do not compile with their faults: " + ", ".join(failed))
     return replaced
 
 

@@ -165,6 +165,20 @@ TEST(BarStore, AReplacedBarIsFoundByItsNewDate) {
   EXPECT_EQ(store.RecordCount(), 3);
 }
 
+TEST(BarStore, ABarMovedBeforeTheOneInFrontOfItIsFound) {
+  BarStore store = storeOf({1, 2, 3});
+  ASSERT_TRUE(store.EditJDate(2, 0.5));
+  EXPECT_EQ(store.findDate(0.5), 1);
+  EXPECT_EQ(store.findDate(3), 2);
+}
+
+TEST(BarStore, ABarThatFitsItsNeighboursDoesNotPutUnorderedBarsInOrder) {
+  BarStore store = storeOf({5, 1, 3, 4});
+  ASSERT_TRUE(store.EditJDate(4, 6));
+  EXPECT_EQ(store.findDate(1), 1);
+  EXPECT_EQ(store.findDate(5), 0);
+}
+
 TEST(BarStore, TheLastBarCanBeTakenAway) {
   BarStore store = storeOf({10.0, 20.0});
   store.dropLast();

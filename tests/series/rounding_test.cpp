@@ -234,5 +234,17 @@ TEST(RoundToMultiple, HugeValuesFollowTheStepsToTheLastBit) {
   }
 }
 
+/// At this size a double has no digits for the guards, so that a half is exactly one.
+TEST(RoundValue, AHalfGoesAwayFromZero) {
+  EXPECT_EQ(RoundValue(1073741824.5, 0, RoundMode::kNearest), 1073741825.0);
+  EXPECT_EQ(RoundValue(-1073741824.5, 0, RoundMode::kNearest), -1073741825.0);
+  EXPECT_EQ(RoundValue(1073741824.5, 0, RoundMode::kDown), 1073741824.0);
+}
+
+TEST(RoundToMultiple, AHalfStaysAtTheMultipleNearerToZero) {
+  EXPECT_EQ(RoundToMultiple(1073741824.5, 1.0, RoundMode::kNearest), 1073741824.0);
+  EXPECT_EQ(RoundToMultiple(1073741824.75, 1.0, RoundMode::kNearest), 1073741825.0);
+}
+
 }  // namespace
 }  // namespace brindlewort
