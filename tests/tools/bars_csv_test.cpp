@@ -114,6 +114,45 @@ TEST(BarsCsv, CommentsAndEmptyLinesMayStandBeforeTheHeader) {
 TEST(BarsCsv, LinesEndWithLfOrCrLfOrTheText) {
   expectOneBar("Date,Open,High,Low,Close,Volume\r\n2004-08-19,1.5,4,1,2,70\r\n");
   expectOneBar("Date,Open,High,Low,Close,Volume\n2004-08-19,1.5,4,1,2,70");
+  expectOneBar("Date,Open,High,Low,Close,Volume\r2004-08-19,1.5,4,1,2,70\r");
+}
+
+TEST(BarsCsv, EveryLineEndCountsOnce) {
+  for (const std::string end : {"\n", "\r\n", "\r"}) {
+    const std::string text =
+        "# c" + end + end + "Date,Open,High,Low,Close" + end + "2004-08-19,1,1,1,1" + end + "x";
+    for (const std::size_t size : {std::size_t{1}, std::size_t{7}, text.size()}) {
+      EXPECT_EQ(read(text, size).message.substr(0, 8), "b.csv:5:");
+    }
+  }
+}
+
+TEST(BarsCsv, ALineHasAtMostAMebibyte) {
+  const std::string header = "Date,Open,High,Low,Close,Note\n", row = "2004-08-19,1,1,1,1,";
+  const std::string longest = row + std::string((std::size_t{1} << 20) - row.size() - 1, 'x') + '\n';
+  EXPECT_EQ(read(header + longest).bars.size(), 1u);
+  const std::string expected =
+      ": expected a line of at most 1048576 bytes (a text without line ends is no CSV), found a longer one";
+  for (const std::size_t size : {std::size_t{4096}, std::size_t{1} << 22}) {
+    EXPECT_EQ(read(header + 'x' + longest, size).message, "b.csv:2" + expected);
+    EXPECT_EQ(read(std::string(3u << 20, ','), size).message, "b.csv:1" + expected);
+    // A quotation mark that is never closed takes in no more.
+    std::string open = header + "\"2004-08-19,1,1,1,1\n";
+    for (int i = 0; i < 60'000; ++i) open += "2004-08-20,1,1,1,1\n";
+    EXPECT_EQ(read(open, size).message, "b.csv:55190" + expected);
+  }
+  // A comment is not kept.
+  EXPECT_EQ(read('#' + std::string(3u << 20, 'x') + '\n' + header + row + '\n').bars.size(), 1u);
+}
+
+TEST(BarsCsv, AHeaderHasAtMostAThousandColumns) {
+  std::string header = "Date,Open,High,Low,Close";
+  for (int column = 6; column <= 1000; ++column) header += ",x";
+  EXPECT_EQ(read(header + "\n2004-08-19,1,1,1,1\n").bars.size(), 1u);
+  EXPECT_EQ(
+      read(header + ",x\n2004-08-19,1,1,1,1\n").message,
+      "b.csv:1: expected at most 1000 columns (keep those of the bars, as by cut -d, -f1-6, and leave the "
+      "others out), found more");
 }
 
 TEST(BarsCsv, AHeaderAloneIsNoBars) {
@@ -219,6 +258,67 @@ TEST(BarsCsv, NothingIsReadBehindAProblem) {
   EXPECT_FALSE(reader.feed("1,2,3\n"));
   EXPECT_FALSE(reader.feed("Date,Open,High,Low,Close\n2004-08-19,1,1,1,1\n"));
   EXPECT_FALSE(reader.finish());
+}
+
+/// A reading that goes on behind lines that are no bars.
+Reading readOn(std::string_view text, std::size_t pieceSize = std::string_view::npos) {
+  Reading reading;
+  BarsCsvReader reader(
+      [&](const Bar& bar) { reading.bars.push_back(bar); },
+      [&](const BarsCsvProblem& problem) { reading.message += problem.message("b.csv") + '\n'; });
+  while (!text.empty()) {
+    const std::string_view piece = text.substr(0, pieceSize);
+    text.remove_prefix(piece.size());
+    EXPECT_TRUE(reader.feed(piece));
+  }
+  EXPECT_TRUE(reader.finish());
+  return reading;
+}
+
+TEST(BarsCsv, BadLinesAreSkippedWhereThatIsAskedFor) {
+  const std::string text =
+      "Date,Open,High,Low,Close\n"
+      "2004-08-18,1,1,1,1\n"
+      "2004-08-19,x,y,1,1\n"      // the first fault is told
+      "2004-08-19\n"              // too short
+      "2004-08-19,1,1,1,1,9\n"    // too long
+      "2004-08-19,1,1\"1,1\n"     // a quotation mark within a field
+      "\"2004-08-19,1,1,1,1\n" +  // one that is not closed
+      std::string(2u << 20, '1') +
+      "\n2004-08-20,2,2,2,2\n\"";  // a line that is too long; an open end
+  for (const std::size_t size : {std::size_t{1}, std::size_t{1000}, text.size()}) {
+    const Reading reading = readOn(text, size);
+    ASSERT_EQ(reading.bars.size(), 2u);
+    expectBar(reading.bars[0], kAugust19th2004 - 1, 1, 1, 1, 1, 0);
+    expectBar(reading.bars[1], kAugust19th2004 + 1, 2, 2, 2, 2, 0);
+    EXPECT_EQ(
+        reading.message,
+        "b.csv:3: column 2 (Open): expected a number such as 101.25, found \"x\"\n"
+        "b.csv:4: expected 5 columns as in the header, found 1 column\n"
+        "b.csv:5: expected 5 columns as in the header, found more, beginning with \"9\"\n"
+        "b.csv:6: expected quotation marks only around a whole field, found FOUND\n"
+        "b.csv:7: expected a closing quotation mark, found the end of the line\n"
+        "b.csv:8: expected a line of at most 1048576 bytes (a text without line ends is no CSV), found a "
+        "longer one\n"
+        "b.csv:10: expected a closing quotation mark, found the end of the input\n");
+  }
+}
+
+TEST(BarsCsv, WithinABarTheLineIsItsOwn) {
+  std::vector<std::size_t> lines;
+  BarsCsvReader reader([&](const Bar&) { lines.push_back(reader.line()); });
+  EXPECT_TRUE(reader.feed("# c\nDate,Open,High,Low,Close\n2004-08-18,1,1,1,1\n\n2004-08-19,1,1,1,1"));
+  EXPECT_TRUE(reader.finish());
+  EXPECT_EQ(lines, (std::vector<std::size_t>{3, 5}));
+}
+
+TEST(BarsCsv, AFileThatIsNoTextIsToldByItsKind) {
+  for (const std::size_t size : {std::size_t{1}, std::string_view::npos}) {
+    EXPECT_EQ(read(std::string("\x1F\x8B\x08\0\n,,,", 8), size).message, "b.csv: this is a gzip file.");
+    EXPECT_EQ(read("PK\x03\x04 bars.csv", size).message, "b.csv: this is a zip file.");
+    EXPECT_EQ(read("PK\x03\x04 [Content_Types].xml", size).message, "b.csv: this is an Excel workbook.");
+    EXPECT_EQ(read(std::string("D\0a\0t\0e\0,\0\n\0", 12), size).message, "b.csv: this is text in UTF-16.");
+  }
 }
 
 TEST(BarsCsv, AnyBytesGiveBarsOrAMessage) {

@@ -266,16 +266,20 @@ TEST(Follow, AScriptAtFaultIsToldBeforeAnyBarComes) {
   }
 }
 
-TEST(Follow, ABadLineIsToldBehindTheRowsOfTheLinesBeforeIt) {
+TEST(Follow, ABadLineIsToldAndTheNextBarAnswered) {
   Session session(kNextPrice);
   sendSixBars(session);
   session.send(bar(7, 70) + "2024-01-08,1,2,x,4,5\n");
   session.line();
   EXPECT_EQ(session.line(), "2024-01-07 00:00:00,71.0000");
+  session.send(bar(8, 80));
+  EXPECT_EQ(session.line(), "2024-01-08 00:00:00,81.0000");
+  session.interrupt();
   EXPECT_EQ(session.line(), "the end");
-  EXPECT_EQ(session.wait(), 1);
+  EXPECT_EQ(session.wait(), 3);
   EXPECT_EQ(session.errors(),
-            "standard input:9: column 4 (Low): expected a number such as 101.25, found \"x\"\n");
+            "standard input:9: column 4 (Low): expected a number such as 101.25, found \"x\"; the line is "
+            "skipped.\n1 line was skipped.\n");
 }
 
 }  // namespace

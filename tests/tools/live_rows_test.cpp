@@ -32,13 +32,6 @@ std::string lastLine(const std::string& text) {
   return text.substr(from == std::string::npos ? 0 : from + 1);
 }
 
-TEST(LiveRows, ColumnNames) {
-  EXPECT_EQ(columnNames("Date"), std::vector<std::string>{});
-  EXPECT_EQ(columnNames("Date,\"A\""), std::vector<std::string>{"A"});
-  EXPECT_EQ(columnNames("Date,\"A\",\"SMA(CLOSE, 3)\",\"B\""),
-            (std::vector<std::string>{"A", "SMA(CLOSE, 3)", "B"}));
-}
-
 TEST(LiveRows, TheHeadingComesOnceEvenWhenTheFirstRowIsEdited) {
   LiveRows rows({"SET A = CLOSE\r\nA > 1", "A", 0, kCsv});
   std::string text;

@@ -130,11 +130,11 @@ TEST_F(Tool, TableIsAligned) {
 TEST_F(Tool, ABadLineIsToldAndNothingIsPrinted) {
   const std::string bars = write("b.csv", twelveBars() + "2024-01-13,1,2,x,4,5\n");
   const Outcome run = this->run({"output", bars, "--script", kMeanOfThree});
-  EXPECT_EQ(run.code, 1);
+  EXPECT_EQ(run.code, 3);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err, bars + ":14: column 4 (Low): expected a number such as 101.25, found \"x\"\n");
   const Outcome piped = this->run({"output", "-", "--script", kMeanOfThree}, "Date,Open\n");
-  EXPECT_EQ(piped.code, 1);
+  EXPECT_EQ(piped.code, 3);
   EXPECT_EQ(piped.err.substr(0, 25), "standard input:1: expecte");
 }
 
@@ -145,7 +145,7 @@ TEST_F(Tool, AFileThatIsNotThereIsTold) {
         std::vector<std::string>{"output", write("b.csv", twelveBars()), "--script-file", "no_such_file.bws"},
         std::vector<std::string>{"output", "/", "--script", "CLOSE"}}) {
     const Outcome run = this->run(arguments);
-    EXPECT_EQ(run.code, 1);
+    EXPECT_EQ(run.code, 3);
     EXPECT_EQ(run.out, "");
     EXPECT_NE(run.err.find("cannot "), std::string::npos) << run.err;
   }
@@ -166,7 +166,7 @@ TEST_F(Tool, TooFewBarsTellHowManyTheScriptAsksFor) {
   const std::string bars = write("b.csv", twelveBars());
   for (const char* format : {"csv", "json", "table"}) {
     const Outcome run = this->run({"output", bars, "--script", "sma(close, 10) > 1", "--format", format});
-    EXPECT_EQ(run.code, 2);
+    EXPECT_EQ(run.code, 4);
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err,
               "Not enough data: the script asks for 20 bars (twice the greatest period in it), and there are "
@@ -174,7 +174,7 @@ TEST_F(Tool, TooFewBarsTellHowManyTheScriptAsksFor) {
               "more bars, or use shorter periods.\n");
   }
   EXPECT_EQ(this->run({"output", bars, "--script", "SMA(CLOSE, 6) > 1"}).code, 0);
-  EXPECT_EQ(this->run({"output", bars, "--script", "SMA(CLOSE, 7) > 1"}).code, 2);
+  EXPECT_EQ(this->run({"output", bars, "--script", "SMA(CLOSE, 7) > 1"}).code, 4);
   EXPECT_EQ(this->run({"output", bars, "--script", "SMA(CLOSE, 5) > 1", "--from", "3"}).code, 0);
   EXPECT_NE(this->run({"output", bars, "--script", "SMA(CLOSE, 6) > 1", "--from", "3"})
                 .err.find("asks for 14 bars"),
@@ -183,7 +183,7 @@ TEST_F(Tool, TooFewBarsTellHowManyTheScriptAsksFor) {
 
 TEST_F(Tool, NoBarsAreTooFewBars) {
   const Outcome run = this->run({"output", "-", "--script", "CLOSE > 1"}, "Date,Open,High,Low,Close\n");
-  EXPECT_EQ(run.code, 2);
+  EXPECT_EQ(run.code, 4);
   EXPECT_EQ(run.err.substr(0, 16), "Not enough data:");
 }
 
@@ -245,20 +245,69 @@ TEST_F(Tool, AReaderThatHasSeenEnoughEndsTheToolQuietly) {
   std::string bars = "Date,Open,High,Low,Close\n";
   for (int i = 0; i < 20000; ++i) bars += "2024-01-01,1,1,1,1\n";
   const std::string command =
-      quoted(BRINDLEWORT_TOOL) + " output " + quoted(write("b.csv", bars)) + " -s CLOSE";
+      quoted(BRINDLEWORT_TOOL) + " output " + quoted(write("b.csv", bars)) + " -s 'SET A = CLOSE' -s 'A > 1'";
   const Outcome killed = runShell(command + " | head -n 1", "");
-  EXPECT_EQ(killed.out, "Date\n");
+  EXPECT_EQ(killed.out, "Date,\"A\"\n");
   EXPECT_EQ(killed.err, "");
   const Outcome told = runShell("trap '' PIPE; " + command + " | head -n 1", "");
-  EXPECT_EQ(told.out, "Date\n");
+  EXPECT_EQ(told.out, "Date,\"A\"\n");
   EXPECT_EQ(told.err, "");
 }
 
 TEST_F(Tool, AFullDeviceIsTold) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP();
-  const Outcome run = runShell(quoted(BRINDLEWORT_TOOL) + " functions >/dev/full", "");
-  EXPECT_EQ(run.code, 1);
-  EXPECT_EQ(run.err.substr(0, 33), "cannot write to standard output: ");
+  for (const char* words : {"functions", "help", "help SMA", "--help", "output --help", "--version"}) {
+    const Outcome run = runShell(quoted(BRINDLEWORT_TOOL) + ' ' + words + " >/dev/full", "");
+    EXPECT_EQ(run.code, 3) << words;
+    EXPECT_EQ(run.err.substr(0, 33), "cannot write to standard output: ") << words;
+  }
+  const std::string bars = quoted(write("b.csv", twelveBars()));
+  // The dates go out; what is told of them cannot.
+  EXPECT_EQ(runShell(quoted(BRINDLEWORT_TOOL) + " output " + bars + " -s 'CLOSE > 1' 2>/dev/full", "").code,
+            3);
+}
+
+TEST_F(Tool, SeveralFilesAreToldWithWhatToDo) {
+  const std::string a = write("a.csv", twelveBars()), b = write("b.csv", twelveBars());
+  const Outcome two = this->run({"output", a, b, "--script", kMeanOfThree});
+  EXPECT_EQ(two.code, 1);
+  EXPECT_EQ(two.out, "");
+  EXPECT_EQ(two.err.substr(0, 67),
+            "output takes one file of bars, and 2 words stand in its place:\n  " + a.substr(0, 2));
+  EXPECT_NE(
+      two.err.find("\nTake them one by one: for bars in *.csv; do brindlewort output \"$bars\" ...; done\n"),
+      std::string::npos)
+      << two.err;
+  // 500 names are not all repeated.
+  std::vector<std::string> many = {"alert"};
+  for (int i = 0; i < 500; ++i) many.push_back(a);
+  const Outcome crowd = this->run(many);
+  EXPECT_EQ(crowd.code, 1);
+  EXPECT_EQ(crowd.err.substr(0, 64), "alert takes one file of bars, and 500 words stand in its place:\n");
+  EXPECT_LT(crowd.err.size(), 13 * (a.size() + 4) + 200);
+  const Outcome unquoted = this->run({"backtest", a, "--buy", "CLOSE", ">", "5"});
+  EXPECT_EQ(unquoted.code, 1);
+  EXPECT_NE(unquoted.err.find("put it in quotation marks"), std::string::npos) << unquoted.err;
+}
+
+TEST_F(Tool, AFileThatIsNoTextIsToldWithWhatReadsIt) {
+  const std::string packed = write("b.csv.gz", std::string("\x1F\x8B\x08\0\0\0\0\0", 8));
+  for (const char* command : {"output", "alert"}) {
+    const Outcome run = this->run({command, packed, "--script", kMeanOfThree});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, packed + ": this is a gzip file. Read it by: zcat " + packed + " | brindlewort " +
+                           command + " - ...\n");
+  }
+  const Outcome piped =
+      this->run({"output", "--follow", "--script", kMeanOfThree}, std::string("\xFF\xFE"
+                                                                              "D\0a\0t\0e\0",
+                                                                              10));
+  EXPECT_EQ(piped.code, 3);
+  EXPECT_EQ(
+      piped.err,
+      "standard input: this is text in UTF-16. Put a program before it: ... | iconv -f UTF-16 -t UTF-8 | "
+      "brindlewort output - ...\n");
 }
 
 using Examples = Tool;

@@ -16,38 +16,6 @@ namespace {
 
 using Names = std::vector<std::string_view>;
 
-TEST(Topics, SlipsAreLettersMoreLessWrongOrTurnedRound) {
-  EXPECT_EQ(slipsBetween("", ""), 0u);
-  EXPECT_EQ(slipsBetween("SMA", "SMA"), 0u);
-  EXPECT_EQ(slipsBetween("SMA", ""), 3u);
-  EXPECT_EQ(slipsBetween("", "SMA"), 3u);
-  EXPECT_EQ(slipsBetween("SMA", "SMAX"), 1u);
-  EXPECT_EQ(slipsBetween("SMA", "SA"), 1u);
-  EXPECT_EQ(slipsBetween("SMA", "EMA"), 1u);
-  EXPECT_EQ(slipsBetween("SMA", "MSA"), 1u);
-  EXPECT_EQ(slipsBetween("CROSSOVER", "CORSSOVR"), 2u);
-  EXPECT_EQ(slipsBetween("ABC", "XYZ"), 3u);
-}
-
-TEST(Topics, TheNearestNameComesFirst) {
-  const Names names = {"SMA", "EMA", "CROSSOVER", "MAX", "MAXOF", "%SWINGPTOP"};
-  EXPECT_EQ(nearNames(names, "crosover", 8), Names{"CROSSOVER"});
-  EXPECT_EQ(nearNames(names, "SMAA", 8), (Names{"SMA", "EMA", "MAX"}));
-  EXPECT_EQ(nearNames(names, "SMAA", 1), Names{"SMA"});
-  EXPECT_EQ(nearNames(names, "swingp", 8), Names{"%SWINGPTOP"});
-  EXPECT_EQ(nearNames(names, "MAXOFALL", 8), (Names{"MAXOF", "MAX"}));
-  EXPECT_EQ(nearNames(names, "", 8), Names{});
-  EXPECT_EQ(nearNames(names, "NOTHING LIKE IT", 8), Names{});
-  EXPECT_EQ(nearNames(names, std::string(100'000, 'S'), 8), Names{});
-}
-
-TEST(Topics, LinesKeepTheirWidth) {
-  EXPECT_EQ(inLines({}, "  ", 20), "");
-  EXPECT_EQ(inLines(Names{"SMA"}, "  ", 20), "  SMA\n");
-  EXPECT_EQ(inLines(Names{"SMA", "EMA", "CROSSOVER"}, "  ", 12), "  SMA, EMA,\n  CROSSOVER\n");
-  EXPECT_EQ(inLines(Names{"CROSSOVER", "A"}, "  ", 4), "  CROSSOVER,\n  A\n");
-}
-
 TEST(Topics, EveryNameHasAText) {
   const Names names = topicNames();
   EXPECT_TRUE(std::ranges::is_sorted(names));
@@ -119,7 +87,7 @@ TEST_F(Help, WordsAndSignsOfTheLanguageHaveASection) {
 
 TEST_F(Help, AnUnknownNameTellsNearOnes) {
   const Outcome run = this->run({"help", "crosover"});
-  EXPECT_EQ(run.code, 2);
+  EXPECT_EQ(run.code, 1);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err,
             "There is no command, function or word crosover. Near it are:\n"
@@ -128,6 +96,23 @@ TEST_F(Help, AnUnknownNameTellsNearOnes) {
   EXPECT_NE(this->run({"help", "outptu"}).err.find("\n  output"), std::string::npos);
   EXPECT_EQ(this->run({"help", "QQQQQQQQQQ"}).err,
             "There is no command, function or word QQQQQQQQQQ. 'brindlewort help' lists all there are.\n");
+}
+
+TEST_F(Help, FunctionsTellsOfAnUnknownNameAlike) {
+  const Outcome run = this->run({"functions", "crosover"});
+  EXPECT_EQ(run.code, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err,
+            "There is no function crosover. Near it are:\n"
+            "  CROSSOVER\n"
+            "'brindlewort functions' lists all there are.\n");
+}
+
+TEST_F(Help, AnUnknownCommandTellsNearOnes) {
+  const Outcome run = this->run({"outptu", "b.csv"});
+  EXPECT_EQ(run.code, 1);
+  EXPECT_EQ(run.err,
+            "There is no command or option outptu. Near it are:\n  output\nTry 'brindlewort --help'.\n");
 }
 
 using Validate = Tool;
@@ -142,7 +127,7 @@ TEST_F(Validate, TheToolTellsTheFaultOnStandardOutput) {
   EXPECT_EQ(faulty.err, "");
   EXPECT_EQ(run({"validate"}, "CLOSE > OPEN\n").out, "The script is valid.\n");
   EXPECT_EQ(run({"validate", "SET A = OPEN", "CLOSE > A"}).out, "The script is valid.\n");
-  EXPECT_EQ(run({"validate", "@no_such_file.bws"}).code, 1);
+  EXPECT_EQ(run({"validate", "@no_such_file.bws"}).code, 3);
   EXPECT_EQ(run({"validate", "CLOSE > OPEN", "--script-file", "x"}).code, 1);
 }
 

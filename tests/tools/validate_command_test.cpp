@@ -75,9 +75,9 @@ TEST(ValidateCommand, AnEmptyScriptIsAScriptAtFault) {
   EXPECT_EQ(outcome.out, "{\"valid\":false,\"message\":\"Error: Script too short.\"}\n");
 }
 
-TEST(ValidateCommand, AFileThatIsMissingIsTheInputsFault) {
+TEST(ValidateCommand, AFileThatIsMissingIsTheFilesFault) {
   const Outcome outcome = validate({"@/nowhere/at/all.bws"});
-  EXPECT_EQ(outcome.code, kExitInput);
+  EXPECT_EQ(outcome.code, kExitFile);
   EXPECT_EQ(outcome.out, "");
   EXPECT_NE(outcome.err.find("/nowhere/at/all.bws"), std::string::npos);
 }

@@ -21,19 +21,23 @@ Events
   and is told anew.
 
 Ways
-  Without --follow all bars are read first, and the whole history is computed anew for each bar, as a host does that
-  gives an alert its bars one by one. With --follow each bar is told before the next one comes, by the incremental
-  way, at the same cost however many came before; BARS may be left out then, for standard input. The two
-  ways ask for different numbers of bars before the first alert. An interrupt (Ctrl-C) and the end of the bars end it,
-  exit code 0.
+  Bars are taken one by one by the incremental way, at the same cost for each however many came before. The
+  first alert can come with the bar whose number is the greatest period in the script and two, but 7 at least.
+  --plain computes the whole history anew for each bar, which takes four times as long for twice the bars. There
+  the first alert can come with the bar whose number is twice the greatest period, but 5 at least; and what the
+  two ways compute differs for some functions, see the manual page.
+
+Following
+  All bars are read before the first is told. With --follow each bar is told before the next one comes; BARS may be
+  left out then, for standard input. A line that cannot be read, or whose bar is older than the one before, is told
+  and skipped. An interrupt (Ctrl-C) and the end of the bars end it, exit code 0; or 3 when lines were skipped.
 
 Formats
   csv   "symbol","name",date,price; the price cut after four decimals
   json  an object a line: symbol, name, date, jDate, price
+)";
 
-Exit codes
-  0 done, 1 the command line, the bars or a file is at fault, 2 the script is at fault or needs more bars
-
+constexpr char kExamples[] = R"(
 Examples
   brindlewort alert bars.csv --script 'CROSSOVER(SMA(CLOSE, 10), SMA(CLOSE, 30)) = TRUE'
   feed | brindlewort alert --follow --symbol ACME --name breakout --script @breakout.bws)";
@@ -45,6 +49,7 @@ struct AlertOptions {
   std::string name = "alert";
   std::string format = "csv";
   bool follow = false;
+  bool plain = false;
 };
 
 /// The symbol given, else the name of the file of bars.
@@ -55,7 +60,7 @@ std::string symbolOf(const AlertOptions& options) {
 
 AlertWatch::Request requestOf(const AlertOptions& options) {
   return {options.script.read(options.bars), symbolOf(options), options.name,
-          options.follow ? Way::kIncremental : Way::kWholeHistory,
+          options.plain ? Way::kWholeHistory : Way::kIncremental,
           options.format == "json" ? AlertWatch::Form::kJsonLines : AlertWatch::Form::kCsv};
 }
 
@@ -81,7 +86,9 @@ void watchAll(AlertOptions& options) {
 
 void watchFeed(AlertOptions& options) {
   AlertWatch watch(requestOf(options));
-  if (answerBars(options.bars, [&](const Bar& bar) { return watch.take(bar); })) watch.finish();
+  const FeedEnd end = answerBars(options.bars, [&](const Bar& bar) { return watch.take(bar); });
+  if (end.complete) watch.finish();
+  requireNothingSkipped(end);
 }
 
 void runAlert(AlertOptions& options) {
@@ -110,8 +117,10 @@ void addAlertCommand(CLI::App& app) {
       ->type_name("FORMAT")
       ->capture_default_str()
       ->check(CLI::IsMember({"csv", "json"}));
-  command->add_flag("--follow", options->follow, "Tell each bar as it comes, by the incremental way");
-  command->footer(kFooter);
+  CLI::Option* const follow = command->add_flag("--follow", options->follow, "Tell each bar as it comes");
+  command->add_flag("--plain", options->plain, "Compute the whole history anew for each bar; slow, see below")
+      ->excludes(follow);
+  command->footer(kFooter + exitCodesHelp() + kExamples);
   command->callback([options] { runAlert(*options); });
 }
 

@@ -29,15 +29,15 @@ std::string longEnough(std::string script) {
 }
 
 [[noreturn]] void failForLimit(const std::string& error) {
-  throw ToolError(kExitInput, error + "\nThere are " + std::to_string(CAlert::kMostAlerts) +
-                                  " on this machine already. End some of them and start again.");
+  throw ToolError(kExitFile, error + "\nThere are " + std::to_string(CAlert::kMostAlerts) +
+                                 " on this machine already. End some of them and start again.");
 }
 
 }  // namespace
 
 AlertWatch::AlertWatch(Request request) : request_(std::move(request)) {
   request_.script = longEnough(std::move(request_.script));
-  requireSoundScript(request_.script, request_.way);
+  requireSoundScript();
   wanted_ = barsWanted(request_.script, request_.way);
 
   component_.Alert = [this](const std::string& symbol, const std::string& name, double date, double price) {
@@ -56,6 +56,16 @@ AlertWatch::AlertWatch(Request request) : request_(std::move(request)) {
   }
   component_.setAlertScript(request_.script);
   error_.clear();  // there are no bars yet
+}
+
+/// Each way knows functions that the other does not have.
+void AlertWatch::requireSoundScript() const {
+  const bool isPlain = request_.way == Way::kWholeHistory;
+  const auto tried = [this](Way way) { return tryScript(request_.script, way); };
+  requireSound(tried(request_.way),
+               {[&] { return tried(isPlain ? Way::kIncremental : Way::kWholeHistory).error.empty(); },
+                isPlain ? "Without --plain this script is computed."
+                        : "With --plain, and without --follow, this script is computed."});
 }
 
 std::string AlertWatch::take(const Bar& bar) {
@@ -83,7 +93,7 @@ void AlertWatch::store(const Bar& bar) {
   } else if (isEdit) {
     hand(&CAlert::EditRecord);
   } else if (isLive) {
-    if (!hand(&CAlert::AppendRecord_Opt)) throw ToolError(kExitInput, "Out of memory. Give fewer bars.");
+    if (!hand(&CAlert::AppendRecord_Opt)) throw ToolError(kExitFile, "Out of memory. Give fewer bars.");
   } else {
     hand(&CAlert::AppendRecord);
   }

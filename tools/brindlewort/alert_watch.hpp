@@ -35,6 +35,7 @@ class AlertWatch {
   void finish() const;
 
  private:
+  void requireSoundScript() const;
   void store(const Bar& bar);
 
   Request request_;

@@ -10,6 +10,7 @@
 
 #include "backtest_answers.hpp"
 #include "chart.hpp"
+#include "chart_target.hpp"
 #include "commands.hpp"
 #include "console.hpp"
 #include "inputs.hpp"
@@ -33,10 +34,9 @@ Formats
   text  the report that a host gets from the component, with LF line ends
   json  one object: from, to, bars; fired, the bars on which each script did; statistics; trades, the lines of the
         trade log, with profit and return on those that close a position
+)";
 
-Exit codes
-  0 done, 1 the command line, the bars or a file is at fault, 2 a script is at fault, or there were no trades
-
+constexpr char kExamples[] = R"(
 Examples
   brindlewort backtest bars.csv --buy 'CROSSOVER(SMA(CLOSE, 10), SMA(CLOSE, 30)) = TRUE' \
       --exit-long 'CROSSOVER(SMA(CLOSE, 30), SMA(CLOSE, 10)) = TRUE' --stop-loss 5 --trailing --chart run.svg
@@ -67,7 +67,7 @@ struct BacktestOptions {
   bool fast = false;
   std::optional<std::int64_t> seed;
   std::string format = "text";
-  std::string chart;
+  ChartTarget chart;
 };
 
 using Scripts = std::array<std::string, kRoles>;
@@ -92,9 +92,19 @@ Scripts readScripts(const BacktestOptions& options) {
     scripts[role] = scriptOfArguments(options.scripts[role]);
   }
   if (scripts[kBuy].empty() && scripts[kSell].empty()) {
-    throw ToolError(kExitInput, "There is no script that opens a position. Give --buy or --sell, or both.");
+    throw ToolError(kExitUsage, "There is no script that opens a position. Give --buy or --sell, or both.");
   }
   return scripts;
+}
+
+std::vector<std::string> scriptFilesOf(const BacktestOptions& options) {
+  std::vector<std::string> files;
+  for (const std::vector<std::string>& texts : options.scripts) {
+    for (const std::string& text : texts) {
+      if (const std::optional<std::string> file = scriptFileOf(text)) files.push_back(*file);
+    }
+  }
+  return files;
 }
 
 BacktestRequest requestOf(const Scripts& scripts, const BacktestOptions& options, const std::string& rules) {
@@ -127,7 +137,8 @@ const ScriptWay& wayOf(const BacktestOptions& options) {
     outcomes.push_back(
         {kRoleOptions[role].name, !scripts[role].empty(), fired[role], barsWanted(scripts[role], way)});
   }
-  throw ToolError(kExitScript, noTradesText(outcomes, bars));
+  throw ToolError(kExitNothing,
+                  noTradesText(outcomes, bars) + (options.chart.wanted() ? "\nNo picture was drawn." : ""));
 }
 
 std::string dayOf(double jDate) {
@@ -142,13 +153,25 @@ std::string chartTitle(const BacktestRun& run, const BacktestOptions& options) {
   return bars + ", " + dayOf(run.firstDate) + " to " + dayOf(run.lastDate);
 }
 
-void writeChart(const BacktestRun& run, const BarStore& bars, const BacktestOptions& options) {
+std::string chartSvg(const BacktestRun& run, const BarStore& bars, const BacktestOptions& options) {
   std::vector<double> dates, closes;
-  writeFile(options.chart, toSvg(backtestChart(run, bars, chartTitle(run, options), dates, closes)));
+  return toSvg(backtestChart(run, bars, chartTitle(run, options), dates, closes));
+}
+
+/// The report comes first: it is there when the picture fails.
+void writeAnswers(const std::string& report, const BacktestRun& run, const BarStore& bars,
+                  const BacktestOptions& options) {
+  if (options.chart.isStandardOutput()) {
+    tell(report);
+  } else {
+    writeOutput(report);
+  }
+  if (options.chart.wanted()) options.chart.write(chartSvg(run, bars, options));
 }
 
 void runBacktestCommand(BacktestOptions& options) {
   options.bars.open();
+  options.chart.check(options.bars, scriptFilesOf(options));
   const Scripts scripts = readScripts(options);
   CBacktest component;
   component.fixedSeed = options.seed;
@@ -167,10 +190,9 @@ void runBacktestCommand(BacktestOptions& options) {
   if (!run.error.empty() && run.error != kNoTrades) failForOneOf(scripts, component, options, run.error);
   if (!run.statistics) failForNoTrades(run, scripts, bars, options);
 
-  const std::string answer =
+  const std::string report =
       options.format == "json" ? backtestJson(run, bars) : withUnixLineEnds(resultText(run));
-  if (!options.chart.empty()) writeChart(run, component.bars(), options);
-  writeOutput(answer);
+  writeAnswers(report, run, component.bars(), options);
 }
 
 }  // namespace
@@ -210,11 +232,8 @@ void addBacktestCommand(CLI::App& app) {
       ->type_name("FORMAT")
       ->capture_default_str()
       ->check(CLI::IsMember({"text", "json"}));
-  command
-      ->add_option("--chart", options->chart,
-                   "Draw prices, entries, exits and running profit into this SVG file")
-      ->type_name("FILE");
-  command->footer(kFooter);
+  options->chart.addTo(*command);
+  command->footer(kFooter + exitCodesHelp() + kExamples);
   command->callback([options] { runBacktestCommand(*options); });
 }
 

@@ -45,6 +45,10 @@ constexpr std::string_view kHeaderExpected =
 constexpr std::string_view kPriceExpected = "a number such as 101.25";
 constexpr std::string_view kVolumeExpected =
     "a volume from -2147483648 to 2147483647 (scale the column down if it holds larger ones)";
+constexpr std::string_view kLineExpected =
+    "a line of at most 1048576 bytes (a text without line ends is no CSV)";
+constexpr std::string_view kColumnsExpected =
+    "at most 1000 columns (keep those of the bars, as by cut -d, -f1-6, and leave the others out)";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kLongestQuote = 40;  // characters of the input shown in a message
 
@@ -85,9 +89,37 @@ std::optional<double> parseVolume(std::string_view field) {
   return std::trunc(*number);
 }
 
+/// Cuts a text into lines.
+class LineCutter {
+ public:
+  explicit LineCutter(std::string_view text) : rest_(text), toLineFeed_(text.find('\n')) {}
+
+  bool atEnd() const { return rest_.empty(); }
+  /// The next line with its end, which is LF, CR LF or CR; at the end of the text the beginning of one.
+  std::string_view next() {
+    const std::size_t carriageReturn = rest_.substr(0, toLineFeed_).find('\r');
+    const bool endsAtLineFeed = carriageReturn == std::string_view::npos || carriageReturn + 1 == toLineFeed_;
+    const std::size_t last = endsAtLineFeed ? toLineFeed_ : carriageReturn;
+    const std::string_view line = rest_.substr(0, last == std::string_view::npos ? last : last + 1);
+    rest_.remove_prefix(line.size());
+    if (toLineFeed_ == std::string_view::npos) return line;
+    toLineFeed_ = endsAtLineFeed ? rest_.find('\n') : toLineFeed_ - line.size();
+    return line;
+  }
+
+ private:
+  std::string_view rest_;
+  std::size_t toLineFeed_;  ///< in the rest; searched for once a line feed, since there may be none
+};
+
+bool endsLine(std::string_view line) {
+  return line.ends_with('\n') || line.ends_with('\r');
+}
+
 }  // namespace
 
 std::string BarsCsvProblem::message(std::string_view source) const {
+  if (foreign) return std::string(source) + ": this is " + std::string(foreign->name) + '.';
   std::string text = std::string(source) + ':' + std::to_string(line) + ": ";
   if (column != 0) {
     text += "column " + std::to_string(column) + " (" + (columnName.empty() ? "no name" : columnName) + "): ";
@@ -97,42 +129,68 @@ std::string BarsCsvProblem::message(std::string_view source) const {
 
 class BarsCsvReader::Impl {
  public:
-  explicit Impl(std::function<void(const Bar&)> onBar) : onBar_(std::move(onBar)) {
-    if (csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI) != 0) throw std::bad_alloc();
+  Impl(std::function<void(const Bar&)> onBar, std::function<void(const BarsCsvProblem&)> onBadLine)
+      : onBar_(std::move(onBar)), onBadLine_(std::move(onBadLine)) {
+    startParser();
   }
   ~Impl() { csv_free(&parser_); }
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
 
   bool feed(std::string_view piece) {
-    skipByteOrderMark(piece);
-    while (!piece.empty() && !problem_) {
-      const std::size_t lineEnd = piece.find('\n');
-      const bool endsLine = lineEnd != std::string_view::npos;
-      const std::string_view part = piece.substr(0, endsLine ? lineEnd + 1 : piece.size());
-      piece.remove_prefix(part.size());
-      feedPartOfLine(part);
-      atLineStart_ = endsLine;
-      if (endsLine) ++line_;
+    if (haveStart_) {
+      feedText(piece);
+    } else if (!problem_) {
+      start_.append(piece);
+      if (start_.size() >= kTellingBytes || contains(start_, "\n")) feedStart();
     }
-    return !problem_;
+    return !stopped();
   }
 
   bool finish() {
+    if (!haveStart_) feedStart();
     if (problem_) return false;
-    if (csv_fini(&parser_, onField, onRow, this) != 0) {
+    if (isLost_) {
+      skipLine();
+    } else if (csv_fini(&parser_, onField, onRow, this) != 0) {
       line_ = lastRowLine_ + 1;
       fail(0, "a closing quotation mark", "the end of the input");
+      if (maySkip()) skipLine();
     } else if (!problem_ && !haveHeader_) {
       fail(0, kHeaderExpected, "the end of the input");
     }
-    return !problem_;
+    return !stopped();
   }
 
   const std::optional<BarsCsvProblem>& problem() const { return problem_; }
+  std::size_t line() const { return line_; }
   std::size_t bars() const { return bars_; }
 
  private:
+  void startParser() {
+    if (csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI) != 0) throw std::bad_alloc();
+    betweenRows_ = parser_.pstate;
+  }
+
+  /// The first bytes tell whether this is text at all.
+  void feedStart() {
+    haveStart_ = true;
+    if (const ForeignFile* const kind = foreignFile(start_)) {
+      problem_ = BarsCsvProblem{1, 0, {}, {}, {}, kind};
+    } else {
+      feedText(std::exchange(start_, {}));
+    }
+  }
+
+  void feedText(std::string_view piece) {
+    skipByteOrderMark(piece);
+    if (piece.empty()) return;
+    if (endedByReturn_ && piece.front() == '\n') piece.remove_prefix(1);
+    endedByReturn_ = piece.ends_with('\r');
+    LineCutter lines(piece);
+    while (!lines.atEnd() && !stopped()) feedPartOfLine(lines.next());
+  }
+
   void skipByteOrderMark(std::string_view& piece) {
     while (byteOrderMark_ < kByteOrderMark.size() && !piece.empty()) {
       if (piece.front() != kByteOrderMark[byteOrderMark_]) {
@@ -146,12 +204,52 @@ class BarsCsvReader::Impl {
 
   void feedPartOfLine(std::string_view part) {
     if (atLineStart_) inComment_ = !haveHeader_ && part.front() == '#';
-    if (inComment_) return;
+    if (!inComment_ && !isLost_) parsePartOfLine(part);
+    atLineStart_ = endsLine(part);
+    if (!atLineStart_ || stopped()) return;
+    if (isLost_) skipLine();
+    if (isBetweenRows()) {
+      rowSize_ = 0;
+    } else if (maySkip()) {
+      fail(0, "a closing quotation mark", "the end of the line");
+      skipLine();
+    }
+    ++line_;
+  }
+
+  void parsePartOfLine(std::string_view part) {
+    rowSize_ += part.size();
+    if (rowSize_ > kLongestLine) return lose(kLineExpected, "a longer one");
     const std::size_t taken = csv_parse(&parser_, part.data(), part.size(), onField, onRow, this);
-    if (taken == part.size() || problem_) return;
+    if (taken == part.size()) return;
     if (csv_error(&parser_) != CSV_EPARSE) throw std::bad_alloc();
-    fail(0, "quotation marks only around a whole field",
+    lose("quotation marks only around a whole field",
          quoted(trim(part.substr(0, part.find_first_of("\r\n")))));
+  }
+
+  bool isBetweenRows() const { return parser_.pstate == betweenRows_; }
+  bool maySkip() const { return onBadLine_ && haveHeader_; }
+  bool stopped() const { return problem_ && !maySkip(); }
+
+  /// The rest of the line cannot be taken apart.
+  void lose(std::string_view expected, std::string found) {
+    fail(0, expected, std::move(found));
+    isLost_ = true;
+  }
+
+  /// Tells what is wrong with the row at hand and goes on behind it.
+  void skipRow() {
+    onBadLine_(*problem_);
+    problem_.reset();
+    column_ = 0;
+  }
+
+  /// The same where the parser is within the row.
+  void skipLine() {
+    skipRow();
+    isLost_ = false;
+    csv_free(&parser_);
+    startParser();
   }
 
   static void onField(void* text, std::size_t size, void* self) {
@@ -164,6 +262,7 @@ class BarsCsvReader::Impl {
     ++column_;
     if (!haveHeader_) {
       names_.emplace_back(text);
+      if (column_ > kMostColumns) fail(0, kColumnsExpected, "more");
     } else if (column_ <= roles_.size()) {
       readField(roles_[column_ - 1], text);
     } else if (!text.empty()) {
@@ -172,16 +271,16 @@ class BarsCsvReader::Impl {
   }
 
   void row() {
-    if (problem_) return;
     lastRowLine_ = line_;
-    if (!haveHeader_) {
+    if (!problem_ && !haveHeader_) {
       readHeader();
-    } else if (column_ < neededColumns_) {
+    } else if (!problem_ && column_ < neededColumns_) {
       fail(0, countOf(roles_.size(), "column") + " as in the header", countOf(column_, "column"));
-    } else {
+    } else if (!problem_) {
       onBar_(bar_);
       ++bars_;
     }
+    if (problem_ && maySkip()) skipRow();
     column_ = 0;
   }
 
@@ -252,19 +351,31 @@ class BarsCsvReader::Impl {
   }
 
   void fail(std::size_t column, std::string_view expected, std::string found) {
-    problem_ = BarsCsvProblem{line_, column, column == 0 ? std::string() : names_[column - 1],
-                              std::string(expected), std::move(found)};
+    if (problem_) return;  // the first of a row is told
+    problem_ = BarsCsvProblem{line_,
+                              column,
+                              column == 0 ? std::string() : names_[column - 1],
+                              std::string(expected),
+                              std::move(found),
+                              nullptr};
   }
 
   std::function<void(const Bar&)> onBar_;
+  std::function<void(const BarsCsvProblem&)> onBadLine_;
   csv_parser parser_{};
+  int betweenRows_ = 0;  // the parser's state there
   std::optional<BarsCsvProblem> problem_;
 
+  std::string start_;  // of the text, until its kind is known
+  bool haveStart_ = false;
   std::size_t byteOrderMark_ = 0;  // bytes of it seen at the very start
   std::size_t line_ = 1;
   std::size_t lastRowLine_ = 0;
   bool atLineStart_ = true;
+  bool endedByReturn_ = false;  // by a CR, behind which a LF is no further line end
   bool inComment_ = false;
+  bool isLost_ = false;      // up to the end of the line
+  std::size_t rowSize_ = 0;  // bytes of the row at hand so far
 
   bool haveHeader_ = false;
   std::vector<std::string> names_;
@@ -276,8 +387,9 @@ class BarsCsvReader::Impl {
   std::size_t bars_ = 0;
 };
 
-BarsCsvReader::BarsCsvReader(std::function<void(const Bar&)> onBar)
-    : impl_(std::make_unique<Impl>(std::move(onBar))) {}
+BarsCsvReader::BarsCsvReader(std::function<void(const Bar&)> onBar,
+                             std::function<void(const BarsCsvProblem&)> onBadLine)
+    : impl_(std::make_unique<Impl>(std::move(onBar), std::move(onBadLine))) {}
 BarsCsvReader::~BarsCsvReader() = default;
 
 bool BarsCsvReader::feed(std::string_view piece) {
@@ -288,6 +400,9 @@ bool BarsCsvReader::finish() {
 }
 const std::optional<BarsCsvProblem>& BarsCsvReader::problem() const {
   return impl_->problem();
+}
+std::size_t BarsCsvReader::line() const {
+  return impl_->line();
 }
 std::size_t BarsCsvReader::bars() const {
   return impl_->bars();

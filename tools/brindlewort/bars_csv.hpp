@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "foreign_file.hpp"
 #include "series/bar.hpp"
 
 namespace brindlewort::tool {
@@ -18,8 +19,10 @@ struct BarsCsvProblem {
   std::string columnName;  ///< as the header writes it
   std::string expected;
   std::string found;
+  const ForeignFile* foreign = nullptr;  ///< the kind of a file that is no text; null for text
 
-  /// One line: "<source>:<line>: column <n> (<name>): expected <what>, found <text>".
+  /// One line: "<source>:<line>: column <n> (<name>): expected <what>, found <text>", or
+  /// "<source>: this is <kind>." for a file that is no text.
   std::string message(std::string_view source) const;
 };
 
@@ -30,10 +33,17 @@ struct BarsCsvProblem {
 /// When no column has a date name, a first column without a name is the date. Further columns are ignored.
 /// Each further line is a bar; see parseBarDate for the dates. Prices are decimal numbers that fill the
 /// field; the volume may have a fraction, which is cut, and is 0 when its field is empty or there is no such
-/// column.
+/// column. A line has at most kLongestLine bytes, the header at most kMostColumns columns.
 class BarsCsvReader {
  public:
-  explicit BarsCsvReader(std::function<void(const Bar&)> onBar);
+  static constexpr std::size_t kLongestLine = std::size_t{1} << 20;
+  static constexpr std::size_t kMostColumns = 1000;
+
+  /// `onBar` is told of each bar. With `onBadLine` a line behind the header that is no bar is told and
+  /// skipped, and no quotation marks reach over a line end; without it such a line ends the reading. Neither
+  /// may throw.
+  explicit BarsCsvReader(std::function<void(const Bar&)> onBar,
+                         std::function<void(const BarsCsvProblem&)> onBadLine = {});
   ~BarsCsvReader();
   BarsCsvReader(const BarsCsvReader&) = delete;
   BarsCsvReader& operator=(const BarsCsvReader&) = delete;
@@ -45,6 +55,8 @@ class BarsCsvReader {
   bool finish();
 
   const std::optional<BarsCsvProblem>& problem() const;
+  /// The line that is being read, counted from 1; within `onBar` that of the bar.
+  std::size_t line() const;
   /// How many bars were read so far.
   std::size_t bars() const;
 

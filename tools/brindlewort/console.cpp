@@ -25,19 +25,23 @@ std::string reason() {
   return std::strerror(errno);
 }
 
+[[noreturn]] void failToWriteOutput() {
+  throw ToolError(kExitFile, "cannot write to standard output: " + reason());
+}
+
 }  // namespace
 
 InputFile openInput(const std::string& path, std::string_view advice) {
   if (path == "-") return InputFile(stdin);
   std::FILE* const file = std::fopen(path.c_str(), "rb");
-  if (!file) throw ToolError(kExitInput, path + ": cannot open: " + reason() + ". " + std::string(advice));
+  if (!file) throw ToolError(kExitFile, path + ": cannot open: " + reason() + ". " + std::string(advice));
   return InputFile(file);
 }
 
 std::size_t readPiece(std::FILE* file, std::string& buffer, const std::string& name) {
   buffer.resize(kPieceSize);
   const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), file);
-  if (size == 0 && std::ferror(file)) throw ToolError(kExitInput, name + ": cannot read: " + reason());
+  if (size == 0 && std::ferror(file)) throw ToolError(kExitFile, name + ": cannot read: " + reason());
   return size;
 }
 
@@ -63,19 +67,17 @@ bool isTerminal(std::FILE* file) {
 
 void writeOutput(std::string_view text) {
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-  if ((!written || std::fflush(stdout) != 0) && errno != EPIPE) {
-    throw ToolError(kExitInput, "cannot write to standard output: " + reason());
-  }
+  if ((!written || std::fflush(stdout) != 0) && errno != EPIPE) failToWriteOutput();
 }
 
-void writeFile(const std::string& path, std::string_view text) {
-  std::FILE* const file = std::fopen(path.c_str(), "wb");
-  const bool written = file && std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  const int error = errno;
-  const bool closed = file && std::fclose(file) == 0;
-  if (written && closed) return;
-  if (!written) errno = error;
-  throw ToolError(kExitInput, path + ": cannot write: " + reason());
+void closeOutput() {
+  // A standard output that was never there has lost nothing: writeOutput would have told.
+  if (std::fclose(stdout) != 0 && errno != EPIPE && errno != EBADF) failToWriteOutput();
+}
+
+void tell(std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stderr);
+  if (!text.ends_with('\n')) std::fputc('\n', stderr);
 }
 
 ProgressLine::ProgressLine() : enabled_(isTerminal(stderr)), next_(Clock::now() + kQuietAtFirst) {}

@@ -32,9 +32,12 @@ bool isTerminal(std::FILE* file);
 /// Writes a text to standard output. A reader that has closed its end of a pipe is no failure: it has seen
 /// enough.
 void writeOutput(std::string_view text);
+/// Closes standard output at the end of the tool: what is told only then, as by a disk of another machine, is
+/// a failure too.
+void closeOutput();
 
-/// Makes a file of a text, or replaces it.
-void writeFile(const std::string& path, std::string_view text);
+/// Writes a text to standard error; its last line need not have an end.
+void tell(std::string_view text);
 
 /// One line on standard error that tells how a long piece of work goes on. Silent when standard error is no
 /// terminal, and for the first moments, so that short work shows nothing.

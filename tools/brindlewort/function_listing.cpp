@@ -1,17 +1,11 @@
 #include "function_listing.hpp"
 
 #include <algorithm>
-#include <vector>
 
 #include "function_section.hpp"
 #include "series/text.hpp"
 
 namespace brindlewort::tool {
-namespace {
-
-constexpr std::size_t kSimilarNames = 8;
-
-}  // namespace
 
 std::string listFunctions(std::span<const FunctionRow> rows) {
   std::string text;
@@ -37,15 +31,12 @@ std::optional<std::string> describeFunction(std::span<const FunctionRow> rows, s
   return std::nullopt;
 }
 
-std::string similarFunctions(std::span<const FunctionRow> rows, std::string_view part) {
-  const std::string wanted = upperCase(part);
+std::vector<std::string_view> functionNames(std::span<const FunctionRow> rows) {
   std::vector<std::string_view> names;
   for (const FunctionRow& row : rows) {
-    for (const FunctionName& name : row.names) {
-      if (names.size() < kSimilarNames && contains(name.name, wanted)) names.push_back(name.name);
-    }
+    for (const FunctionName& entry : row.names) names.push_back(entry.name);
   }
-  return reference::joined(names);
+  return names;
 }
 
 }  // namespace brindlewort::tool

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "functions/function_table.hpp"
 
@@ -16,7 +17,7 @@ std::string listFunctions(std::span<const FunctionRow> rows);
 /// any case.
 std::optional<std::string> describeFunction(std::span<const FunctionRow> rows, std::string_view name);
 
-/// Names that have `part` in them, to advise somebody who mistyped one; at most eight, separated by ", ".
-std::string similarFunctions(std::span<const FunctionRow> rows, std::string_view part);
+/// Every spelling of every function, in the order of the rows.
+std::vector<std::string_view> functionNames(std::span<const FunctionRow> rows);
 
 }  // namespace brindlewort::tool

@@ -5,17 +5,11 @@
 #include "commands.hpp"
 #include "console.hpp"
 #include "function_listing.hpp"
+#include "near_names.hpp"
 #include "tool_error.hpp"
 
 namespace brindlewort::tool {
 namespace {
-
-std::string unknownFunction(const std::string& name) {
-  std::string text = "There is no function " + name + ".";
-  const std::string similar = similarFunctions(functionTable(), name);
-  if (!similar.empty()) text += " Names with that in them: " + similar + ".";
-  return text + " 'brindlewort functions' lists all of them.";
-}
 
 void runFunctions(const std::string& name) {
   if (name.empty()) {
@@ -23,7 +17,8 @@ void runFunctions(const std::string& name) {
   } else if (const std::optional<std::string> text = describeFunction(functionTable(), name)) {
     writeOutput(*text);
   } else {
-    throw ToolError(kExitInput, unknownFunction(name));
+    throw ToolError(kExitUsage, unknownName("function", name, functionNames(functionTable()),
+                                            "'brindlewort functions' lists all there are."));
   }
 }
 

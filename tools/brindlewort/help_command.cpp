@@ -5,14 +5,12 @@
 
 #include "commands.hpp"
 #include "console.hpp"
+#include "near_names.hpp"
 #include "tool_error.hpp"
 #include "topics.hpp"
 
 namespace brindlewort::tool {
 namespace {
-
-constexpr std::size_t kNearNames = 8;
-constexpr std::size_t kLineWidth = 100;
 
 std::vector<CLI::App*> commandsOf(CLI::App& app) {
   return app.get_subcommands([](const CLI::App* command) { return !command->get_name().empty(); });
@@ -36,11 +34,8 @@ std::string listOfTopics() {
   for (const CLI::App* command : commandsOf(app)) commands.push_back(command->get_name());
   std::vector<std::string_view> names(commands.begin(), commands.end());
   for (const std::string_view topic : topicNames()) names.push_back(topic);
-
-  std::string text = "There is no command, function or word " + name + ".";
-  const std::vector<std::string_view> near = nearNames(names, name, kNearNames);
-  text += near.empty() ? " " : " Near it are:\n" + inLines(near, "  ", kLineWidth);
-  throw ToolError(kExitScript, text + "'brindlewort help' lists all there are.");
+  throw ToolError(kExitUsage, unknownName("command, function or word", name, names,
+                                          "'brindlewort help' lists all there are."));
 }
 
 void runHelp(CLI::App& app, const std::string& name) {

@@ -1,15 +1,20 @@
 #include "inputs.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 #include "bars_csv.hpp"
+#include "near_names.hpp"
+#include "safe_file.hpp"
 #include "tool_error.hpp"
 
 namespace brindlewort::tool {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::size_t kShownFiles = 12;
 constexpr std::string_view kNoScript =
     "Give one by --script 'TEXT', --script-file FILE, or on standard input.";
 
@@ -41,9 +46,12 @@ bool isBlank(std::string_view text) {
 }  // namespace
 
 void BarsInput::addTo(CLI::App& command) {
-  command.add_option("BARS", path_, "CSV file of price bars, or - for standard input")
+  command_ = command.get_name();
+  // All words that belong to no option come here, so that several files can be told.
+  command.add_option("BARS", paths_, "CSV file of price bars, or - for standard input")
       ->type_name("")
-      ->required();
+      ->required()
+      ->take_all();
 }
 
 void BarsInput::addOptionalTo(CLI::App& command) {
@@ -51,13 +59,39 @@ void BarsInput::addOptionalTo(CLI::App& command) {
   command.get_option("BARS")->required(false);
 }
 
+void BarsInput::failForSeveral() const {
+  std::vector<std::string_view> shown(paths_.begin(), paths_.begin() + std::min(paths_.size(), kShownFiles));
+  std::string list = inLines(shown, "  ", kLineWidth);
+  if (paths_.size() > shown.size()) list += "  ...\n";
+  const std::string head = command_ + " takes one file of bars, and " + std::to_string(paths_.size()) +
+                           " words stand in its place:\n" + list;
+  const auto isNoFile = [](const std::string& path) { return path != "-" && !std::filesystem::exists(path); };
+  if (std::any_of(paths_.begin(), paths_.end(), isNoFile)) {
+    throw ToolError(kExitUsage,
+                    head + "If they belong to a script, put it in quotation marks: --script 'TEXT'.");
+  }
+  throw ToolError(kExitUsage, head + "Take them one by one: for bars in *.csv; do brindlewort " + command_ +
+                                  " \"$bars\" ...; done");
+}
+
 void BarsInput::open() {
-  file_ = openInput(fromStandardInput() ? "-" : path_,
+  if (paths_.size() > 1) failForSeveral();
+  file_ = openInput(fromStandardInput() ? "-" : name(),
                     "Give the path of a CSV file of bars, or - for standard input.");
 }
 
+bool BarsInput::isFile(const std::string& path) const {
+  return fromStandardInput() ? isSameFile(path, stdin) : isSameFile(path, name());
+}
+
+std::string BarsInput::message(const BarsCsvProblem& problem) const {
+  const std::string text = problem.message(name());
+  if (!problem.foreign) return text;
+  return text + ' ' + howToRead(*problem.foreign, command_, fromStandardInput() ? "" : name());
+}
+
 void BarsInput::read(const std::function<void(const Bar&)>& onBar, ProgressLine& progress) {
-  const std::size_t allBytes = sizeOfFile(path_);
+  const std::size_t allBytes = fromStandardInput() ? 0 : sizeOfFile(name());
   std::size_t bytes = 0;
   std::string buffer;
   BarsCsvReader reader(onBar);
@@ -66,7 +100,7 @@ void BarsInput::read(const std::function<void(const Bar&)>& onBar, ProgressLine&
     bytes += size;
     if (progress.due()) progress.show(progressText(reader.bars(), bytes, allBytes));
   }
-  if (!reader.finish()) throw ToolError(kExitInput, reader.problem()->message(name()));
+  if (!reader.finish()) throw ToolError(kExitFile, message(*reader.problem()));
 }
 
 void ScriptInput::addTo(CLI::App& command) {
@@ -90,7 +124,7 @@ void ScriptInput::addTo(CLI::App& command, const std::string& textNames) {
 
 std::string ScriptInput::read(const BarsInput& bars) const {
   if (fromStandardInput() && bars.fromStandardInput()) {
-    throw ToolError(kExitInput,
+    throw ToolError(kExitUsage,
                     "standard input gives the bars, so the script cannot come from there. Give it by "
                     "--script 'TEXT' or --script-file FILE.");
   }
@@ -106,11 +140,17 @@ std::string ScriptInput::read() const {
   return withScriptLineBreaks(script);
 }
 
+std::optional<std::string> scriptFileOf(std::string_view argument) {
+  if (!argument.starts_with('@')) return std::nullopt;
+  return std::string(argument.substr(1));
+}
+
 std::string scriptOfArguments(const std::vector<std::string>& texts) {
   std::string script;
   for (const std::string& text : texts) {
     if (!script.empty()) script += '\n';
-    script += text.starts_with('@') ? readScriptFile(text.substr(1)) : text;
+    const std::optional<std::string> file = scriptFileOf(text);
+    script += file ? readScriptFile(*file) : text;
   }
   return withScriptLineBreaks(script);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,8 @@ class App;
 
 namespace brindlewort::tool {
 
+struct BarsCsvProblem;
+
 /// The bars of a command: the path of a CSV file, or "-" for standard input.
 class BarsInput {
  public:
@@ -21,18 +24,26 @@ class BarsInput {
   /// The same, for a command that has standard input in mind when no path is given.
   void addOptionalTo(CLI::App& command);
 
-  bool given() const { return !path_.empty(); }
-  bool fromStandardInput() const { return path_ == "-" || path_.empty(); }
-  /// Opens the file, so that a wrong path is told before anything else is waited for.
+  bool given() const { return !paths_.empty(); }
+  bool fromStandardInput() const { return !given() || paths_.front() == "-"; }
+  /// Opens the file, so that a wrong path is told before anything else is waited for. Throws a ToolError for
+  /// more than one.
   void open();
   /// Reads the whole file; each bar goes to `onBar`. Throws a ToolError that tells the line at fault.
   void read(const std::function<void(const Bar&)>& onBar, ProgressLine& progress);
   /// Where the bars come from, as messages name it.
-  std::string name() const { return fromStandardInput() ? "standard input" : path_; }
+  std::string name() const { return fromStandardInput() ? "standard input" : paths_.front(); }
   std::FILE* file() const { return file_.get(); }
+  /// True when the bars come from the file that a path leads to.
+  bool isFile(const std::string& path) const;
+  /// What is wrong with the bars, where, and what to do.
+  std::string message(const BarsCsvProblem& problem) const;
 
  private:
-  std::string path_;
+  [[noreturn]] void failForSeveral() const;
+
+  std::string command_;
+  std::vector<std::string> paths_;  ///< one, if the command line is right
   InputFile file_;
 };
 
@@ -56,6 +67,9 @@ class ScriptInput {
   std::vector<std::string> texts_;
   std::string file_;
 };
+
+/// The path of the file that an argument of a script names by an @ in front.
+std::optional<std::string> scriptFileOf(std::string_view argument);
 
 /// A script given by arguments: each is a line of it, or @ and the path of a file. Its line breaks are those
 /// that the engine knows. Empty for no arguments.

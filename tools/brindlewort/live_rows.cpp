@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "columns.hpp"
 #include "output_formats.hpp"
 #include "script_trial.hpp"
 #include "series/julian_date.hpp"
@@ -13,6 +14,16 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 
+/// The whole-history way knows functions that the incremental one does not have.
+bool computesWholeHistory(const std::string& script) {
+  CScriptOutput component;
+  for (const Bar& bar : trialBars()) {
+    component.AppendRecord(bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice, bar.ClosePrice,
+                           volumeToInt32(bar.Volume));
+  }
+  return component.GetCustomIndFromCondition(script).has_value();
+}
+
 bool append(CScriptOutput& component, const Bar& bar) {
   return component.AppendRecord_New(bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice, bar.ClosePrice,
                                     volumeToInt32(bar.Volume));
@@ -21,7 +32,12 @@ bool append(CScriptOutput& component, const Bar& bar) {
 }  // namespace
 
 LiveRows::LiveRows(Request request) : request_(std::move(request)) {
-  requireSoundScript(request_.script, Way::kIncremental);
+  const Trial trial = tryScript(request_.script, Way::kIncremental);
+  requireSound(trial, {[this] { return computesWholeHistory(request_.script); },
+                       "Without --follow this script is computed."});
+  const std::vector<std::string> missing = missingColumns(request_.sets, trial.columns);
+  if (!missing.empty()) failForColumns(request_.sets, missing, trial.columns);
+  hasColumns_ = !trial.columns.empty();
   component_.ScriptError = [this](const std::string& description) { error_ = description; };
   component_.InitialiseTransientStore(kIncrementalEntries);
   component_.ProcessScripData(request_.script);
@@ -45,7 +61,7 @@ void LiveRows::store(const Bar& bar) {
                               volumeToInt32(bar.Volume));
     return;
   }
-  if (!append(component_, bar)) throw ToolError(kExitInput, "Out of memory. Start again with fewer bars.");
+  if (!append(component_, bar)) throw ToolError(kExitFile, "Out of memory. Start again with fewer bars.");
   ++bars_;
   lastDate_ = bar.JDate;
 }
@@ -77,19 +93,6 @@ void LiveRows::fail() const {
 
 void LiveRows::finish() const {
   if (!computed_) failForMoreBars(bars_, request_.script, Way::kIncremental, error_);
-}
-
-std::vector<std::string> columnNames(std::string_view heading) {
-  static constexpr std::string_view kBetween = "\",\"";
-  std::vector<std::string> names;
-  std::size_t at = heading.find('"');
-  while (at != std::string_view::npos) {
-    const std::size_t end = heading.find(kBetween, at + 1);
-    const std::size_t last = end == std::string_view::npos ? heading.size() - 1 : end;
-    names.emplace_back(heading.substr(at + 1, last - at - 1));
-    at = end == std::string_view::npos ? end : end + kBetween.size() - 1;
-  }
-  return names;
 }
 
 }  // namespace brindlewort::tool

@@ -22,9 +22,12 @@ class LiveRows {
     Form form = Form::kCsv;
   };
 
-  /// Throws a ToolError for a script at fault, be it one that fails over made-up bars: nobody has to wait for
-  /// the bars of a long period to learn of a slip of the pen.
+  /// Throws a ToolError for a script at fault, be it one that fails over made-up bars, and for columns that
+  /// it does not have: nobody has to wait for the bars of a long period to learn of a slip of the pen.
   explicit LiveRows(Request request);
+
+  /// False for a script whose rows are dates alone.
+  bool hasColumns() const { return hasColumns_; }
 
   /// Takes a bar: the next one, or the last one anew when it has that one's date. The answer is what is to be
   /// printed: the row, with the heading in front where that is new. Empty as long as the script has too few
@@ -45,11 +48,9 @@ class LiveRows {
   std::string error_;  ///< of the call at hand
   std::int32_t bars_ = 0;
   double lastDate_ = 0.0;
+  bool hasColumns_ = false;
   bool computed_ = false;  ///< the script has given a row
   std::string heading_;    ///< as printed last
 };
-
-/// The column names in the heading of a component's text: Date,"A","B".
-std::vector<std::string> columnNames(std::string_view heading);
 
 }  // namespace brindlewort::tool

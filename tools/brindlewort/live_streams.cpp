@@ -23,11 +23,11 @@ constexpr std::size_t kPieceSize = std::size_t{1} << 16;
 volatile std::sig_atomic_t interruptSeen = 0;
 
 [[noreturn]] void failToRead(const std::string& name) {
-  throw ToolError(kExitInput, name + ": cannot read: " + std::strerror(errno));
+  throw ToolError(kExitFile, name + ": cannot read: " + std::strerror(errno));
 }
 
 [[noreturn]] void failToWrite() {
-  throw ToolError(kExitInput, std::string("cannot write to standard output: ") + std::strerror(errno));
+  throw ToolError(kExitFile, std::string("cannot write to standard output: ") + std::strerror(errno));
 }
 
 }  // namespace
@@ -71,7 +71,7 @@ LiveStreams::LiveStreams(std::FILE* input, std::string name)
   // Else the pipe would take the place of a stream that is closed.
   if (fcntl(input_, F_GETFD) < 0) failToRead(name_);
   if (fcntl(output_, F_GETFD) < 0) failToWrite();
-  if (pipe(wakeUpPipe) != 0) throw ToolError(kExitInput, std::string("cannot wait: ") + std::strerror(errno));
+  if (pipe(wakeUpPipe) != 0) throw ToolError(kExitFile, std::string("cannot wait: ") + std::strerror(errno));
   for (const int end : wakeUpPipe) {
     fcntl(end, F_SETFD, FD_CLOEXEC);
     fcntl(end, F_SETFL, O_NONBLOCK);

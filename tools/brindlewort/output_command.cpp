@@ -2,9 +2,15 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
+#include "columns.hpp"
 #include "commands.hpp"
+#include "console.hpp"
 #include "inputs.hpp"
 #include "live_feed.hpp"
 #include "live_rows.hpp"
@@ -17,6 +23,7 @@ namespace brindlewort::tool {
 namespace {
 
 constexpr std::int32_t kEventList = -1;
+constexpr char kOrEventList[] = "\nThe numbers of the bars on which it holds are listed by --from -1.";
 
 constexpr char kFooter[] = R"(
 Script
@@ -50,12 +57,13 @@ Following
   before. BARS may be left out: they come from standard input then. A bar with the date of the one before takes
   its place, and its row is printed anew. Row by row the series start where the incremental way of the component
   lets them start: no filler bars stand in front, the first bar is a row, and the script asks for as many bars as
-  its greatest period, not twice as many. Nothing is printed before that. Forms are csv, the heading once, then a
-  line a bar; and json, an object a line. An interrupt (Ctrl-C) and the end of the bars end it, exit code 0.
+  its greatest period and two, 7 at least. Nothing is printed before that. Forms are csv, the heading once, then a
+  line a bar; and json, an object a line. A line that cannot be read, or whose bar is older than the one before,
+  is told and skipped. An interrupt (Ctrl-C) and the end of the bars end it, exit code 0; or 3 when lines were
+  skipped.
+)";
 
-Exit codes
-  0 done, 1 the command line or the bars are at fault, 2 the script is at fault or needs more bars
-
+constexpr char kExamples[] = R"(
 Examples
   brindlewort output bars.csv --script 'SET A = SMA(CLOSE, 14)' --script 'CLOSE > A' --format table
   brindlewort output bars.csv --script-file crossover.bws --sets FAST,SLOW --from 100
@@ -73,51 +81,92 @@ struct OutputOptions {
 
 [[noreturn]] void failForTooFewBars(std::int32_t bars, const std::string& script, bool fillersCount) {
   const std::int32_t wanted = barsWanted(script, Way::kWholeHistory) + (fillersCount ? 0 : kFillerBars);
-  throw ToolError(kExitScript, "Not enough data: the script asks for " + std::to_string(wanted) +
-                                   " bars (twice the greatest period in it), and there are " +
-                                   std::to_string(bars) + ". Give more bars, or use shorter periods.");
+  throw ToolError(kExitNothing, "Not enough data: the script asks for " + std::to_string(wanted) +
+                                    " bars (twice the greatest period in it), and there are " +
+                                    std::to_string(bars) + ". Give more bars, or use shorter periods.");
 }
 
-/// The text to print, or nothing when the run had no answer.
-std::optional<std::string> outputText(CScriptOutput& component, const OutputOptions& options,
-                                      const std::string& script) {
-  if (options.format == "csv") {
-    std::optional<std::string> text = component.GetScriptOutput(script, options.from, options.sets);
-    if (text && options.from == kEventList) *text += '\n';
-    if (text) *text = withUnixLineEnds(std::move(*text));
-    return text;
-  }
+/// What is printed, and the names of its columns.
+struct Answer {
+  std::string text;
+  std::vector<std::string> columns;
+};
+
+std::vector<std::string> namesOf(const OutputTable& table) {
+  std::vector<std::string> names;
+  for (const OutputColumn& column : table.columns) names.push_back(column.name);
+  return names;
+}
+
+std::optional<Answer> csvAnswer(CScriptOutput& component, const OutputOptions& options,
+                                const std::string& script) {
+  std::optional<std::string> text = component.GetScriptOutput(script, options.from, options.sets);
+  if (!text) return std::nullopt;
+  if (options.from == kEventList) return Answer{*text + '\n', {}};
+  Answer answer = {withUnixLineEnds(std::move(*text)), {}};
+  answer.columns = columnNames(std::string_view(answer.text).substr(0, answer.text.find('\n')));
+  return answer;
+}
+
+/// Nothing when the run had no answer.
+std::optional<Answer> answerOf(CScriptOutput& component, const OutputOptions& options,
+                               const std::string& script) {
+  if (options.format == "csv") return csvAnswer(component, options, script);
   const std::optional<OutputTable> table = component.computeOutput(script, options.from, options.sets);
   if (!table) return std::nullopt;
-  return options.format == "json" ? toJson(*table) : toAlignedTable(*table);
+  return Answer{options.format == "json" ? toJson(*table) : toAlignedTable(*table), namesOf(*table)};
+}
+
+/// Ends the command when a column is asked for that is not there.
+void requireColumns(CScriptOutput& component, const OutputOptions& options, const std::string& script,
+                    const Answer& answer) {
+  if (options.from == kEventList) return;
+  const std::vector<std::string> missing = missingColumns(options.sets, answer.columns);
+  if (missing.empty()) return;
+  const std::optional<OutputTable> all = component.computeOutput(script, options.from, "");
+  failForColumns(options.sets, missing, all ? namesOf(*all) : answer.columns);
 }
 
 /// What --follow has no answer for.
 void checkFollowOptions(const OutputOptions& options) {
   if (options.from == kEventList) {
-    throw ToolError(kExitInput, "--from -1 lists bars of the whole history. Leave it out, or --follow.");
+    throw ToolError(kExitUsage, "--from -1 lists bars of the whole history. Leave it out, or --follow.");
   }
   if (options.format == "table") {
-    throw ToolError(kExitInput,
+    throw ToolError(kExitUsage,
                     "--format table needs all rows to align them. With --follow take csv or json.");
+  }
+}
+
+/// What a list of bar numbers has no room for.
+void checkEventList(const OutputOptions& options) {
+  if (options.from != kEventList) return;
+  if (options.format != "csv") {
+    throw ToolError(kExitUsage, "--from -1 gives a list of bar numbers, which has no form as " +
+                                    options.format + ". Leave --format out.");
+  }
+  if (!options.sets.empty()) {
+    throw ToolError(kExitUsage,
+                    "--from -1 gives a list of bar numbers, which has no columns. Leave --sets out.");
   }
 }
 
 void runFollow(OutputOptions& options) {
   checkFollowOptions(options);
   options.bars.open();
-  LiveRows rows({options.script.read(options.bars), options.sets, options.from,
+  const std::string script = options.script.read(options.bars);
+  LiveRows rows({script, options.sets, options.from,
                  options.format == "json" ? LiveRows::Form::kJsonLines : LiveRows::Form::kCsv});
-  if (answerBars(options.bars, [&](const Bar& bar) { return rows.take(bar); })) rows.finish();
+  if (!rows.hasColumns()) tell(noColumnsText(script));
+  const FeedEnd end = answerBars(options.bars, [&](const Bar& bar) { return rows.take(bar); });
+  if (end.complete) rows.finish();
+  requireNothingSkipped(end);
 }
 
 void runOutput(OutputOptions& options) {
   if (options.follow) return runFollow(options);
   if (!options.bars.given()) throw CLI::RequiredError("BARS");
-  if (options.from == kEventList && options.format != "csv") {
-    throw ToolError(kExitInput, "--from -1 gives a list of bar numbers, which has no form as " +
-                                    options.format + ". Leave --format out.");
-  }
+  checkEventList(options);
   options.bars.open();
   const std::string script = options.script.read(options.bars);
 
@@ -134,11 +183,13 @@ void runOutput(OutputOptions& options) {
       },
       progress);
   progress.show("computing the script over " + std::to_string(bars) + " bars");
-  const std::optional<std::string> text = outputText(component, options, script);
+  const std::optional<Answer> answer = answerOf(component, options, script);
   progress.clear();
   if (!error.empty()) throw ToolError(kExitScript, error);
-  if (!text) failForTooFewBars(bars, script, options.from == 0);
-  writeOutput(*text);
+  if (!answer) failForTooFewBars(bars, script, options.from == 0);
+  requireColumns(component, options, script, *answer);
+  writeOutput(answer->text);
+  if (answer->columns.empty() && options.from != kEventList) tell(noColumnsText(script) + kOrEventList);
 }
 
 }  // namespace
@@ -163,7 +214,7 @@ void addOutputCommand(CLI::App& app) {
       ->check(CLI::IsMember({"csv", "json", "table"}));
   command->add_flag("--follow", options->follow,
                     "Answer each bar as it comes, and each change of the last one; see below");
-  command->footer(kFooter);
+  command->footer(kFooter + exitCodesHelp() + kExamples);
   command->callback([options] { runOutput(*options); });
 }
 

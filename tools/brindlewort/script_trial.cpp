@@ -1,7 +1,7 @@
 #include "script_trial.hpp"
 
 #include <cstdlib>
-#include <vector>
+#include <utility>
 
 #include "functions/script_engine.hpp"
 #include "series/text.hpp"
@@ -21,7 +21,37 @@ constexpr std::string_view kWhatNext =
     "help NAME' tells about a function.";
 constexpr std::string_view kGiveMore = ". Give more bars, or use shorter periods.";
 
-/// Bars of a price that goes up and down between 100 and 110.
+std::string errorIn(std::string result) {
+  return result == "ALERT" ? std::string() : std::move(result);
+}
+
+std::string tryOverWholeHistory(const std::string& script, const std::vector<Bar>& bars) {
+  CScriptEngine engine;
+  engine.bars.use(bars);
+  return errorIn(engine.RunScript(script, false, false));
+}
+
+Trial tryIncrementally(const std::string& script, const std::vector<Bar>& bars) {
+  Trial trial;
+  CScriptEngine engine;
+  engine.bars.use(bars);
+  engine.InitialiseTransientStore(kIncrementalEntries);
+  if (!engine.ProcessScripData(script, trial.error)) return trial;
+  for (const Bar& bar : bars) engine.ApplyBarChange(bar, CScriptEngine::kNewBar);
+  trial.error = errorIn(engine.RunFast(false, false));
+  for (const StoreEntry* entry : engine.outputEntries) {
+    if (!entry->values.empty()) trial.columns.push_back(withUniformBlanks(entry->name));
+  }
+  return trial;
+}
+
+}  // namespace
+
+void failForScript(const std::string& error) {
+  throw ToolError(kExitScript, error + std::string(kWhatNext));
+}
+
+/// They are of a price that goes up and down between 100 and 110.
 std::vector<Bar> trialBars() {
   std::vector<Bar> bars(static_cast<std::size_t>(kTrialBars));
   for (std::int32_t i = 0; i < kTrialBars; ++i) {
@@ -37,32 +67,16 @@ std::vector<Bar> trialBars() {
   return bars;
 }
 
-std::string runIncrementally(CScriptEngine& engine, const std::string& script, const std::vector<Bar>& bars) {
-  engine.InitialiseTransientStore(kIncrementalEntries);
-  std::string error;
-  if (!engine.ProcessScripData(script, error)) return error;
-  for (const Bar& bar : bars) engine.ApplyBarChange(bar, CScriptEngine::kNewBar);
-  return engine.RunFast(false, false);
-}
-
-}  // namespace
-
-void failForScript(const std::string& error) {
-  throw ToolError(kExitScript, error + std::string(kWhatNext));
-}
-
-std::string trialError(const std::string& script, Way way) {
-  CScriptEngine engine;
+Trial tryScript(const std::string& script, Way way) {
   const std::vector<Bar> bars = trialBars();
-  engine.bars.use(bars);
-  const std::string text = way == Way::kIncremental ? runIncrementally(engine, script, bars)
-                                                    : engine.RunScript(script, false, false);
-  return text == "ALERT" ? std::string() : text;
+  return way == Way::kIncremental ? tryIncrementally(script, bars)
+                                  : Trial{tryOverWholeHistory(script, bars), {}};
 }
 
-void requireSoundScript(const std::string& script, Way way) {
-  const std::string error = trialError(script, way);
-  if (!error.empty()) failForScript(error);
+void requireSound(const Trial& trial, const OtherWay& otherWay) {
+  if (trial.error.empty()) return;
+  if (!otherWay.computesIt()) failForScript(trial.error);
+  throw ToolError(kExitScript, trial.error + '\n' + std::string(otherWay.advice));
 }
 
 std::int32_t barsWanted(const std::string& script, Way way) {
@@ -77,7 +91,7 @@ void failForMoreBars(std::int32_t bars, const std::string& script, Way way, cons
   const std::string reason =
       bars < wanted ? "the script asks for " + std::to_string(wanted) + " bars, and there were " + count
                     : "over the " + count + " bars that there were the script gives \"" + error + '"';
-  throw ToolError(kExitScript, "Not enough data: " + reason + std::string(kGiveMore));
+  throw ToolError(kExitNothing, "Not enough data: " + reason + std::string(kGiveMore));
 }
 
 }  // namespace brindlewort::tool

@@ -1,7 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
+
+#include "series/bar.hpp"
 
 /// What commands tell about a script that gives nothing.
 namespace brindlewort::tool {
@@ -18,13 +23,25 @@ inline constexpr std::int32_t kFillerBars = 2;
 /// Ends the command with a script's error and with what to do next.
 [[noreturn]] void failForScript(const std::string& error);
 
-/// What a script fails with over made-up bars, which are as many as any of its periods is likely to want;
-/// empty when it does not fail.
-std::string trialError(const std::string& script, Way way);
+/// Made-up bars, as many as any period of a script is likely to want.
+std::vector<Bar> trialBars();
 
-/// Ends the command when the script fails over made-up bars. So a fault is told before the first bar comes;
-/// and a script that fails later, before it has given anything, fails for want of bars.
-void requireSoundScript(const std::string& script, Way way);
+/// What a script gives over these.
+struct Trial {
+  std::string error;                 ///< what it fails with; empty when it does not fail
+  std::vector<std::string> columns;  ///< the names of its output series; of the incremental way only
+};
+Trial tryScript(const std::string& script, Way way);
+
+/// How to have a script computed that the way at hand does not know.
+struct OtherWay {
+  std::function<bool()> computesIt;
+  std::string_view advice;
+};
+
+/// Ends the command when the script has failed over made-up bars. So a fault is told before the first bar
+/// comes; and a script that fails later, before it has given anything, fails for want of bars.
+void requireSound(const Trial& trial, const OtherWay& otherWay);
 
 /// How many bars of the host a script asks for.
 std::int32_t barsWanted(const std::string& script, Way way);

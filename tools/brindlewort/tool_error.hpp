@@ -3,14 +3,9 @@
 #include <stdexcept>
 #include <string>
 
-namespace brindlewort::tool {
+#include "exit_codes.hpp"
 
-/// The tool's exit codes, as its help tells them.
-enum ExitCode : int {
-  kExitOk = 0,
-  kExitInput = 1,   ///< the command line, the bars or a file
-  kExitScript = 2,  ///< the script: an error in it, or too few bars for it
-};
+namespace brindlewort::tool {
 
 /// Ends a command: the text goes to standard error, the code to the shell.
 class ToolError : public std::runtime_error {

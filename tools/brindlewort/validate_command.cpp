@@ -30,10 +30,9 @@ The answer
 Formats
   text  the fault, or that the script is valid
   json  one object: "valid", true or false, and "message", the fault or an empty text
+)";
 
-Exit codes
-  0 the script is valid, 1 the command line or a file is at fault, 2 the script is at fault
-
+constexpr char kExamples[] = R"(
 Examples
   brindlewort validate 'CLOSE > SMA(CLOSE, 14)'
   brindlewort validate @crossover.bws
@@ -77,7 +76,7 @@ void addValidateCommand(CLI::App& app) {
       ->type_name("FORMAT")
       ->capture_default_str()
       ->check(CLI::IsMember({"text", "json"}));
-  command->footer(kFooter);
+  command->footer(kFooter + exitCodesHelp() + kExamples);
   command->callback([options] { runValidate(*options); });
 }
 
