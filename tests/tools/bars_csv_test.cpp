@@ -135,7 +135,7 @@ TEST(BarsCsv, ALineHasAtMostAMebibyte) {
       ": expected a line of at most 1048576 bytes (a text without line ends is no CSV), found a longer one";
   for (const std::size_t size : {std::size_t{4096}, std::size_t{1} << 22}) {
     EXPECT_EQ(read(header + 'x' + longest, size).message, "b.csv:2" + expected);
-    EXPECT_EQ(read(std::string(3u << 20, ','), size).message, "b.csv:1" + expected);
+    EXPECT_EQ(read(std::string(3u << 20, 'x'), size).message, "b.csv:1" + expected);
     // A quotation mark that is never closed takes in no more.
     std::string open = header + "\"2004-08-19,1,1,1,1\n";
     for (int i = 0; i < 60'000; ++i) open += "2004-08-20,1,1,1,1\n";
@@ -275,6 +275,13 @@ Reading readOn(std::string_view text, std::size_t pieceSize = std::string_view::
   return reading;
 }
 
+/// How much of a line with a wrong quotation mark is shown depends on the pieces in which it came.
+std::string withoutQuoteOfLine6(std::string message) {
+  const std::string before = "whole field, found ";
+  const std::size_t from = message.find(before) + before.size();
+  return message.replace(from, message.find('\n', from) - from, "...");
+}
+
 TEST(BarsCsv, BadLinesAreSkippedWhereThatIsAskedFor) {
   const std::string text =
       "Date,Open,High,Low,Close\n"
@@ -296,7 +303,7 @@ TEST(BarsCsv, BadLinesAreSkippedWhereThatIsAskedFor) {
         "b.csv:3: column 2 (Open): expected a number such as 101.25, found \"x\"\n"
         "b.csv:4: expected 5 columns as in the header, found 1 column\n"
         "b.csv:5: expected 5 columns as in the header, found more, beginning with \"9\"\n"
-        "b.csv:6: expected quotation marks only around a whole field, found FOUND\n"
+        "b.csv:6: expected quotation marks only around a whole field, found ...\n"
         "b.csv:7: expected a closing quotation mark, found the end of the line\n"
         "b.csv:8: expected a line of at most 1048576 bytes (a text without line ends is no CSV), found a "
         "longer one\n"

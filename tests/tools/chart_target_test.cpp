@@ -91,13 +91,14 @@ TEST_F(ChartTarget, AMinusIsStandardOutput) {
 
 TEST_F(ChartTarget, WhatIsNoSvgFileIsRefused) {
   EXPECT_EQ(draw("").err, "--chart needs the path of an SVG file, or - for standard output.\n");
-  EXPECT_EQ(draw("out/run.PNG").err,
-            "--chart out/run.PNG: the picture is SVG, so its path has to end in .svg. Give out/run.svg. A "
-            "PNG of it "
-            "makes: rsvg-convert -o out/run.PNG out/run.svg\n");
-  EXPECT_EQ(draw("run").err,
-            "--chart run: the picture is SVG, so its path has to end in .svg. Give run.svg.\n");
-  for (const char* chart : {"", "run.png", "run", "run.svg.txt"}) {
+  EXPECT_EQ(
+      draw("out/picture.PNG").err,
+      "--chart out/picture.PNG: the picture is SVG, so its path has to end in .svg. Give out/picture.svg. A "
+      "PNG of it "
+      "makes: rsvg-convert -o out/picture.PNG out/picture.svg\n");
+  EXPECT_EQ(draw("picture").err,
+            "--chart picture: the picture is SVG, so its path has to end in .svg. Give picture.svg.\n");
+  for (const char* chart : {"", "picture.png", "picture", "picture.svg.txt"}) {
     const Outcome outcome = draw(chart);
     EXPECT_EQ(outcome.code, 1) << chart;
     EXPECT_EQ(outcome.out, "");
