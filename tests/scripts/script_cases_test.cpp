@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <optional>
+#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -20,8 +22,14 @@
 namespace brindlewort::testing {
 namespace {
 
+/// How the bars reach the component, and who computes.
+enum class Way {
+  kWholeHistory,  ///< all bars, then one run over them
+  kIncremental,   ///< the script is prepared, then every bar is followed by a run; the last run counts
+};
+
 struct Expectation {
-  std::string kind;  // "last", "series", "rows", "alert", "heading"
+  std::string kind;  // "last", "series", "rows", "alert", "heading", "function"
   std::string name = {};
   std::size_t from = 0;
   Rows numbers = {};
@@ -32,6 +40,7 @@ struct Case {
   std::string file, title, script, sets, output, error;
   int line = 0, map = 0;
   bool wantsOutput = false, wantsError = false, wantsNothing = false;
+  std::vector<Way> ways = {Way::kWholeHistory};
   std::vector<Bar> bars;
   std::vector<Expectation> expectations;
 };
@@ -50,9 +59,16 @@ double numberOf(const std::string& word) {
 void appendBars(Case& c, const std::string& kind, int count) {
   static constexpr double kWave[] = {10, 11, 12, 13, 12, 11};
   for (int i = 1; i <= count; ++i) {
-    const double close = kind == "wave" ? kWave[(i - 1) % 6] : i;
+    const double close = kind == "flat" ? 10 : kind == "wave" ? kWave[(i - 1) % 6] : i;
     c.bars.push_back({2444300.5 + i - 1, close - 0.5, close + 1, close - 1, close, 100.0 * i});
   }
+}
+
+std::vector<Way> waysOf(const std::string& word) {
+  if (word == "whole-history") return {Way::kWholeHistory};
+  if (word == "incremental") return {Way::kIncremental};
+  if (word == "both") return {Way::kWholeHistory, Way::kIncremental};
+  throw std::invalid_argument("no such way: " + word);
 }
 
 /// "NAME = numbers" or "NAME[FROM] = numbers".
@@ -93,6 +109,8 @@ void readLine(Case& c, const std::string& line) {
     Bar b;
     words >> b.JDate >> b.OpenPrice >> b.HighPrice >> b.LowPrice >> b.ClosePrice >> b.Volume;
     c.bars.push_back(b);
+  } else if (word == "way") {
+    c.ways = waysOf(rest);
   } else if (word == "map") {
     words >> c.map;
   } else if (word == "sets") {
@@ -104,7 +122,7 @@ void readLine(Case& c, const std::string& line) {
     c.wantsNothing = true;
   } else if (word == "last" || word == "series" || word == "rows") {
     c.expectations.push_back(seriesExpectation(word, rest));
-  } else if (word == "alert" || word == "heading") {
+  } else if (word == "alert" || word == "heading" || word == "function") {
     c.expectations.push_back({word, "", 0, {}, rest});
   } else {
     throw std::invalid_argument("unknown word '" + word + "'");
@@ -151,16 +169,12 @@ std::vector<Case> allCases() {
 
 class ScriptCase : public ::testing::Test {
  public:
-  explicit ScriptCase(const Case& c) : case_(c) {}
+  ScriptCase(const Case& c, Way way) : case_(c), way_(way) {}
 
   void TestBody() override {
     SCOPED_TRACE(case_.file + ":" + std::to_string(case_.line) + " " + case_.title);
-    for (const Bar& b : case_.bars) {
-      output_.AppendRecord(b.JDate, b.OpenPrice, b.HighPrice, b.LowPrice, b.ClosePrice,
-                           volumeToInt32(b.Volume));
-    }
     output_.ScriptError = [this](const std::string& text) { error_ = text; };
-    const auto text = output_.GetScriptOutput(case_.script, case_.map, case_.sets);
+    const auto text = way_ == Way::kIncremental ? runAtEveryBar() : runOnce();
     if (case_.wantsError) {
       EXPECT_EQ(error_, case_.error);
       EXPECT_FALSE(text.has_value());
@@ -177,17 +191,60 @@ class ScriptCase : public ::testing::Test {
   }
 
  private:
-  void check(const Expectation& e) {
-    if (e.kind == "heading") {
-      EXPECT_EQ(output_.GetCustomIndFromCondition(case_.script).value_or("(nothing)"), e.text + "\r\n");
-      return;
+  std::optional<std::string> runOnce() {
+    for (const Bar& b : case_.bars) {
+      output_.AppendRecord(b.JDate, b.OpenPrice, b.HighPrice, b.LowPrice, b.ClosePrice,
+                           volumeToInt32(b.Volume));
     }
-    if (e.kind == "alert") {
-      CScriptEngine engine;
+    return output_.GetScriptOutput(case_.script, case_.map, case_.sets);
+  }
+
+  std::optional<std::string> runAtEveryBar() {
+    output_.InitialiseTransientStore(kEntries);
+    output_.ProcessScripData(case_.script);
+    std::optional<std::string> text;
+    for (const Bar& b : case_.bars) {
+      output_.AppendRecord_New(b.JDate, b.OpenPrice, b.HighPrice, b.LowPrice, b.ClosePrice,
+                               volumeToInt32(b.Volume));
+      error_.clear();
+      text = output_.GetScriptOutput_New(case_.script, case_.map, case_.sets);
+    }
+    return text;
+  }
+
+  /// What an alert's engine answers to the script: at the last bar, on the incremental way.
+  std::string alertText() {
+    CScriptEngine engine;
+    if (way_ == Way::kWholeHistory) {
       engine.bars.use(case_.bars);
       engine.bars.insertFiller(2444239.5);
       engine.bars.insertFiller(2444239.5);
-      EXPECT_EQ(engine.RunScript(case_.script, false, false), e.text == "yes" ? "ALERT" : "");
+      return engine.RunScript(case_.script, false, false);
+    }
+    engine.InitialiseTransientStore(kEntries);
+    std::string text;
+    engine.ProcessScripData(case_.script, text);
+    for (std::size_t bars = 1; bars <= case_.bars.size(); ++bars) {
+      engine.ApplyBarChange(case_.bars[bars - 1], CScriptEngine::kNewBar);
+      engine.bars.use(std::span(case_.bars).first(bars));
+      text = engine.RunFast(false, false);
+    }
+    return text;
+  }
+
+  void check(const Expectation& e) {
+    if (e.kind == "heading") {
+      const auto heading = way_ == Way::kIncremental ? output_.GetCustomIndFromCondition_NEW(case_.script)
+                                                     : output_.GetCustomIndFromCondition(case_.script);
+      EXPECT_EQ(heading.value_or("(nothing)"), e.text + "\r\n");
+      return;
+    }
+    if (e.kind == "alert") {
+      EXPECT_EQ(alertText(), e.text == "yes" ? "ALERT" : "");
+      return;
+    }
+    if (e.kind == "function") {
+      EXPECT_EQ(output_.lastFunction(), e.text == "none" ? "" : e.text);
       return;
     }
     const Series* series = output_.findSeries(e.name);
@@ -199,23 +256,24 @@ class ScriptCase : public ::testing::Test {
       ASSERT_EQ(rows.size(), count) << e.name;
     }
     ASSERT_LE(from + count, rows.size()) << e.name;
-    // The filler bar in front of the bars is row 0.
     const Rows part(rows.begin() + static_cast<std::ptrdiff_t>(from),
                     rows.begin() + static_cast<std::ptrdiff_t>(from + count));
     EXPECT_TRUE(sameRows(e.numbers, part)) << e.name;
   }
 
+  static constexpr int kEntries = 250;
   Case case_;
+  Way way_;
   CScriptOutput output_;
   std::string error_;
 };
 
-std::string testName(const Case& c) {
+std::string testName(const Case& c, Way way) {
   std::string name = c.title;
   for (char& ch : name) {
     if (!std::isalnum(static_cast<unsigned char>(ch))) ch = '_';
   }
-  return name + "_line_" + std::to_string(c.line);
+  return name + "_line_" + std::to_string(c.line) + (way == Way::kIncremental ? "_bar_by_bar" : "");
 }
 
 std::string suiteName(const Case& c) {
@@ -233,8 +291,10 @@ int main(int argc, char** argv) {
   using namespace brindlewort::testing;
   ::testing::InitGoogleTest(&argc, argv);
   for (const Case& c : allCases()) {
-    ::testing::RegisterTest(suiteName(c).c_str(), testName(c).c_str(), nullptr, nullptr, __FILE__, c.line,
-                            [c]() -> ::testing::Test* { return new ScriptCase(c); });
+    for (const Way way : c.ways) {
+      ::testing::RegisterTest(suiteName(c).c_str(), testName(c, way).c_str(), nullptr, nullptr, __FILE__,
+                              c.line, [c, way]() -> ::testing::Test* { return new ScriptCase(c, way); });
+    }
   }
   return RUN_ALL_TESTS();
 }
