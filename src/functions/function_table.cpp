@@ -596,7 +596,7 @@ Rows ichimokuLines() {
       {.names = {{"SPANB"}}, .slots = {ichimokuPeriod("SpanB")}, .operation = "Ichimoku",
        .batch = ichimoku<IchimokuLine::kSpanB>, .incremental = ichimoku<IchimokuLine::kSpanB>, .surplus = kNumberOf},
       {.names = {{"CHIKOU"}}, .slots = {ichimokuPeriod("ChikouPeriods")}, .operation = "Ichimoku",
-       .incremental = ichimoku<IchimokuLine::kChikou>, .rewrites = Rewrites::kPeriods, .path = Path::kIncremental, .surplus = kNumberOf},
+       .incremental = ichimoku<IchimokuLine::kChikou>, .rewrites = Rewrites::kPeriods, .path = Path::kIncremental},
   };
 }
 

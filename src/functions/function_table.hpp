@@ -60,6 +60,7 @@ struct Slot {
   double high = kNoLimit;          ///< upper limit, included
   bool exclusive = false;          ///< the limits themselves are refused
   bool optional = false;           ///< may be empty without a report; the number is then `fallback`
+  bool readAsDouble = false;       ///< kWhole: an exponent counts, so that 1E1 is 10
   bool mayBeNegative = false;      ///< no test for a negative literal
   bool numberOnly = false;         ///< kMaType: the word VIDYA is not read as a type
   Report whenEmpty;                ///< tested before any other slot check

@@ -91,7 +91,7 @@ class RowWalk {
         return bindSeries(slot, text, i);
       case SlotKind::kWhole:
       case SlotKind::kInteger:
-        number = parseInt32(text);
+        number = slot.readAsDouble ? parseDouble(text) : parseInt32(text);
         break;
       case SlotKind::kLiteral:
         number = parseDouble(text);

@@ -42,6 +42,10 @@ struct SlotWord : Slot {
   constexpr SlotWord negative() const {
     return with([](SlotWord& s) { s.mayBeNegative = true; });
   }
+  /// The text is read as a double: an exponent counts.
+  constexpr SlotWord asDouble() const {
+    return with([](SlotWord& s) { s.readAsDouble = true; });
+  }
   /// The limits themselves are refused.
   constexpr SlotWord open() const {
     return with([](SlotWord& s) { s.exclusive = true; });
@@ -105,7 +109,7 @@ constexpr SlotWord barsNumber(std::string_view name) {
   return slot(SlotKind::kBarsNumber, name).unusable(required(name));
 }
 constexpr SlotWord maType(std::string_view name = "moving average type") {
-  return slot(SlotKind::kMaType, name).unusable(required("moving average type"));
+  return slot(SlotKind::kMaType, name).unusable(required(name));
 }
 /// A number text within limits.
 constexpr SlotWord literal(std::string_view name, double low, double high) {
@@ -135,9 +139,9 @@ constexpr SlotWord ichimokuPeriod(std::string_view name) {
 }
 
 inline std::vector<Slot> stochasticSlots() {
-  return {whole("%K periods", 2).outside(invalid("%k periods")),
-          whole("%K slowing periods", 2).outside(invalid("%k slowing periods")),
-          whole("%D periods", 2).outside(invalid("%d periods")), maType()};
+  return {whole("%K periods", 2).asDouble().outside(invalid("%k periods")),
+          whole("%K slowing periods", 2).asDouble().outside(invalid("%k slowing periods")),
+          whole("%D periods", 2).asDouble().outside(invalid("%d periods")), maType()};
 }
 
 /// The third period is tested for emptiness and decimals alone: the range marked as its own is made on the

@@ -25,7 +25,7 @@ TEST(IncrementalMessages, OfTheNamesOfThisWayAlone) {
       {"ULTOSC(2, 99999, 3)", "Error: Function 'ULTOSC') contains arguments outside of allowed range."},
       {"CHIKOU()", "Error: 'ChikouPeriods' argument of 'CHIKOU' not optional."},
       {"CHIKOU(1)", "Error: 'CHIKOU' value should be between 2 to 9999"},
-      {"CHIKOU(5, 6)", "Error: 'CHIKOU' Number of"},
+      {"CHIKOU(5, 6)", "Error: 'Number of' argument of 'CHIKOU' is invalid."},
       {"MACDH()", "Error: 'short cycle periods' argument of 'MACDH' not optional."},
       {"MACDH(0, 2, 3, SIMPLE)", "Error: 'shortCycle' argument of 'MACDH' is invalid."},
       {"MACDH(2, 0, 3, SIMPLE)", "Error: 'longCycle' argument of 'MACDH' is invalid."},

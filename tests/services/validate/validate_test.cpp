@@ -125,6 +125,9 @@ TEST(Validate, SetNamesOfOneScriptAreForgottenInTheNext) {
 TEST(Validate, TheRunHasTheLastWord) {
   EXPECT_EQ(validate("CLOSE > PE_RATIO"), "Error: Undefined variable 'PE_RATIO'");
   EXPECT_EQ(validate("CLOSE > AROSC(14)"), "Error: Undefined function 'AROSC'");
+  for (const char* call : {"SMIK(2, 3, 4, 5, SIMPLE)", "SMIK(2, 3, 4, 5, SIMPLE, VIDYA)"}) {
+    EXPECT_EQ(validate(call), "Error: '%D moving average type' argument of 'SMIK' not optional.") << call;
+  }
   EXPECT_EQ(validate("     "), "Error: Missing script");
   EXPECT_EQ(validate("#\r\n\r\n\r\n"), "Error: Missing script");
 }
