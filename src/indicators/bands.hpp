@@ -57,7 +57,8 @@ void KeltnerChannel(const Prices& prices, Count p, Count maType, double factor, 
 bool MovingAverageEnvelope(View in, Count p, Count maType, double shift, Band band, Out out);
 
 /// The prime at or above the high (top) and at or below the low (bottom). There is no middle line. A value
-/// that has no such prime repeats the last prime found; a value of 2^53 or more in size leaves its row null.
+/// that has no such prime, as a null price, repeats the last prime found; a value of 2^53 or more in size
+/// leaves its row null.
 /// formula: next prime from v, v being the price without its fraction, times 10 when below 10
 /// batch: the fraction is cut before the multiplication; rows from 1, repeating 0 until a prime is found
 /// resumable: the fraction is cut after the multiplication; rows from 0

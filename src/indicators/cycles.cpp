@@ -34,8 +34,8 @@ auto isBottom(Row low) {
 /// From here on doubles are no longer able to tell one whole number from the next.
 constexpr double kPrimeLimit = 0x1.0p53;
 
-bool hasPrimes(double v) {
-  return std::fabs(v) < kPrimeLimit;
+bool isTooLarge(double v) {
+  return std::fabs(v) >= kPrimeLimit;
 }
 
 double batchPrimeValue(double x) {
@@ -52,8 +52,9 @@ struct PrimesAbout {
   std::int64_t lower = 0;
   std::int64_t upper = 0;
 
-  static bool findsLower(double v) { return hasPrimes(v) && std::trunc(v) >= 1.0; }
-  static bool findsUpper(double v) { return hasPrimes(v) && std::trunc(v) >= 0.0; }
+  static bool findsLower(double v) { return !isTooLarge(v) && v >= 1.0; }
+  /// The scan runs from the whole part of v to 2 * v: for a fraction below 0 it ends before it begins.
+  static bool findsUpper(double v) { return !isTooLarge(v) && v >= 0.0; }
 
   /// v - prime. A prime from 2^53 on may be no double; the value below it is whole then.
   static double distance(double v, std::int64_t prime) {
@@ -64,7 +65,8 @@ struct PrimesAbout {
   void findLower(double v) { lower = primeAtOrBelow(static_cast<std::int64_t>(v)); }
   void findUpper(double v) { upper = primeAtOrAbove(static_cast<std::int64_t>(v)); }
 
-  /// The oscillator of a value that has primes. On a tie the lower prime counts.
+  /// The oscillator of a value that is not too large; what is no number stays none. On a tie the lower prime
+  /// counts.
   double oscillator(double v) {
     if (findsLower(v)) findLower(v);
     if (findsUpper(v)) findUpper(v);
@@ -192,7 +194,7 @@ void PrimeNumberOscillator(View in, Out out) {
   PrimesAbout primes;
   for (Count i = 1; i < n; ++i) {
     const double v = batchPrimeValue(in[i]);
-    if (hasPrimes(v)) out[i] = primes.oscillator(v);
+    if (!isTooLarge(v) && !std::isnan(v)) out[i] = primes.oscillator(v);
   }
 }
 
@@ -267,7 +269,7 @@ Status PrimeNumberOscillator(Source in, Target out) {
   PrimesAbout primes = primesBefore(in.rows, first, start);
   for (Count i = start; i < n; ++i) {
     const double v = livingPrimeValue(in.rows[i]);
-    out.rows[i] = hasPrimes(v) ? primes.oscillator(v) : NULL_VALUE;
+    out.rows[i] = isTooLarge(v) ? NULL_VALUE : primes.oscillator(v);
   }
   return finish(out, n);
 }

@@ -18,10 +18,10 @@ void FractalChaosOscillator(const Prices& prices, Count p, Out out);
 /// The distance of a value from the nearer of the primes below and above it.
 /// formula: v - upper prime if that is nearer, else v - lower prime; where v has no prime on a side, the
 ///   one found last there counts; null where v is 2^53 or more in size
-/// batch: from row 1; v is the whole part of the row, squared if below 10.
+/// batch: from row 1; v is the whole part of the row, squared if below 10; null where the row is no number.
 /// resumable: from row lead; v is the row itself, times 10 if below 10, the primes lying about its whole
-///   part; recomputes the last row, after a look back to the last row below and above which a prime was
-///   found.
+///   part; a fraction below 0 has no prime above it; what is no number stays none; recomputes the last row,
+///   after a look back to the last row below and above which a prime was found.
 void PrimeNumberOscillator(View in, Out out);
 
 /// The distance of the series from its moving average, added up over the levels from 2 on and divided by

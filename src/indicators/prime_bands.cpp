@@ -14,12 +14,12 @@ double timesTenWhenSmall(double v) {
   return v < kSmall ? v * kSmall : v;
 }
 
-/// Where the scan of a price starts.
+/// Where the scan of a price starts. A null price is the number that it is.
 double batchScanStart(double price) {
-  return timesTenWhenSmall(std::trunc(nz(price)));
+  return timesTenWhenSmall(std::trunc(price));
 }
 double resumableScanStart(double price) {
-  return std::trunc(timesTenWhenSmall(nz(price)));
+  return std::trunc(timesTenWhenSmall(price));
 }
 
 /// The scans of one line, upward for the top and downward for the bottom. Every value from the start of the

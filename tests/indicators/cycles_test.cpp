@@ -113,15 +113,17 @@ Rows primesTwin(const Rows& in, bool living) {
     double v = nz(in[i]);
     if (!living) v = std::trunc(v);
     if (v < 10.0) v = living ? v * 10.0 : v * v;
+    if (living && std::isnan(v)) out[i] = v;
     if (!(std::fabs(v) < 9007199254740992.0)) continue;
     const auto start = static_cast<std::int64_t>(v);
+    const double last = living ? 2.0 * v : static_cast<double>(2 * start);
     for (std::int64_t q = start; q >= 1; --q) {
       if (isPrimeByDivision(q)) {
         lower = static_cast<double>(q);
         break;
       }
     }
-    for (std::int64_t q = start; q <= 2 * start; ++q) {
+    for (std::int64_t q = start; static_cast<double>(q) <= last; ++q) {
       if (isPrimeByDivision(q)) {
         upper = static_cast<double>(q);
         break;
@@ -159,6 +161,16 @@ TEST(PrimeNumberOscillator, ScanThatFindsNothingLeavesThePreviousPrime) {
   EXPECT_TRUE(sameRows(Rows{kNull, 9.0 - 7.0}, batchPrimes({0, -3}))) << "the square of -3 is tested";
 }
 
+TEST(PrimeNumberOscillator, AFractionBelowZeroHasNoPrimeAboveIt) {
+  // -0.05 becomes -0.5: the scan from 0 ends at -1, before its first value. 19 and 23, of the 20 before,
+  // stay.
+  EXPECT_TRUE(sameRows(Rows{1, -19.5, 1}, runLiving({2, -0.05, 2}, livingPrimes()).rows));
+  EXPECT_TRUE(sameRows(Rows{1, -19.5, -19.25},
+                       runStreamed(closesOnly({2, -0.05, -0.025}), livingPrimes(), true).rows));
+  // A fraction above 0, and 0 itself, find 0; below it nothing, so that 19 stays.
+  EXPECT_TRUE(sameRows(Rows{1, 0.5, 0}, runLiving({2, 0.05, 0}, livingPrimes()).rows));
+}
+
 TEST(PrimeNumberOscillator, ResumedCallFindsTheEarlierPrimesAgain) {
   const PriceRows prices = closesOnly({20, -3, -4, -5});
   EXPECT_TRUE(sameRows(Rows{1, -49, -59, -69}, runStreamed(prices, livingPrimes(), false).rows));
@@ -178,8 +190,15 @@ TEST(PrimeNumberOscillator, ValuesFromTwoToTheFiftyThirdOnStayNull) {
   EXPECT_TRUE(sameRows(Rows{kNull, kNull, kNull, kNull, kNull, kNull, kNull, kNull, 1}, batch));
   EXPECT_FALSE(isNull(batchPrimes({0, -94906265})[1]));
   EXPECT_FALSE(isNull(batchPrimes({0, limit - 1})[1]));
-  const Rows living = runLiving({limit, -limit / 10, kInf, -kInf, kNaN, -1e300, 20}, livingPrimes()).rows;
-  EXPECT_TRUE(sameRows(Rows{kNull, kNull, kNull, kNull, kNull, kNull, 1}, living));
+  const Rows living = runLiving({limit, -limit / 10, kInf, -kInf, -1e300, 20}, livingPrimes()).rows;
+  EXPECT_TRUE(sameRows(Rows{kNull, kNull, kNull, kNull, kNull, 1}, living));
+}
+
+TEST(PrimeNumberOscillator, WhatIsNoNumberStaysNoneInTheResumableForm) {
+  // The primes found before stay: -30 has none of its own.
+  EXPECT_TRUE(sameRows(Rows{1, kNaN, -49}, runLiving({20, kNaN, -3}, livingPrimes()).rows));
+  EXPECT_TRUE(
+      sameRows(Rows{1, kNaN, -49}, runStreamed(closesOnly({20, kNaN, -3}), livingPrimes(), false).rows));
 }
 
 TEST(PrimeNumberOscillator, IsTheRuleOnAllInputs) {

@@ -36,7 +36,7 @@ Rows primesTwin(const Rows& in, bool top, bool batch) {
   Rows out(in.size(), kNull);
   double found = 0.0;
   for (std::size_t i = batch ? 1 : 0; i < in.size(); ++i) {
-    double x = nz(in[i]);
+    double x = in[i];
     if (batch) x = std::trunc(x);
     if (x < 10) x = x * 10;
     if (!batch) x = std::trunc(x);
@@ -91,10 +91,13 @@ TEST(PrimeNumberBands, AScanThatFindsNoneRepeatsTheRowBefore) {
   EXPECT_TRUE(sameRows(Rows{kNull, 0, 19, 19, 19}, primes(prices, Band::kBottom)));
 }
 
-TEST(PrimeNumberBands, ANullPriceCountsAsZero) {
-  const PriceRows prices = barsOf({1, 20, kNull}, {1, 20, kNull}, {1, 20, 20});
-  EXPECT_TRUE(sameRows(Rows{kNull, 23, 0}, primes(prices, Band::kTop)));
-  EXPECT_TRUE(sameRows(Rows{kNull, 19, 19}, primes(prices, Band::kBottom)));
+TEST(PrimeNumberBands, ANullPriceIsTheNumberThatItIsAndFindsNone) {
+  const PriceRows prices = barsOf({1, kNull, 20, kNull}, {1, kNull, 20, kNull}, {1, 20, 20, 20});
+  EXPECT_TRUE(sameRows(Rows{kNull, 0, 23, 23}, primes(prices, Band::kTop)));
+  EXPECT_TRUE(sameRows(Rows{kNull, 0, 19, 19}, primes(prices, Band::kBottom)));
+  // 1 is 10 here, between 7 and 11.
+  EXPECT_TRUE(sameRows(Rows{11, 11, 23, 23}, runAtOnce(prices, resumablePrimes(Band::kTop)).rows));
+  EXPECT_TRUE(sameRows(Rows{7, 7, 19, 19}, runStreamed(prices, resumablePrimes(Band::kBottom), true).rows));
 }
 
 TEST(PrimeNumberBands, AValueTooLargeOrNoNumberLeavesItsRowNull) {
