@@ -17,11 +17,17 @@ bool same(const KeyPart& a, const KeyPart& b) {
 }  // namespace
 
 void NormalizeKey(std::string& text) {
-  static constexpr std::string_view kRules[][2] = {{"( ", "("}, {" (", "("}, {" )", ")"}, {") ", ")"},
-                                                   {"= ", "="}, {" =", "="}, {", ", ","}, {" ,", ","}};
-  for (const auto& [from, to] : kRules) {
-    if (contains(text, from)) text = replaceAll(text, from, to);
+  constexpr std::string_view kSigns = "()=,";
+  std::size_t end = 0;
+  for (const char c : text) {
+    if (contains(kSigns, {&c, 1})) {
+      while (end > 0 && text[end - 1] == ' ') --end;
+    } else if (c == ' ' && end > 0 && contains(kSigns, {&text[end - 1], 1})) {
+      continue;
+    }
+    text[end++] = c;
   }
+  text.resize(end);
   std::string bare = withoutChar(withoutChar(text, '('), ')');
   if (IsNumberText(bare)) text = std::move(bare);
 }

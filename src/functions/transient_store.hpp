@@ -11,8 +11,9 @@
 
 namespace brindlewort {
 
-/// Brings the blanks of a key to one form, in place: none beside brackets, commas and equal signs. A number
-/// in brackets becomes the bare number, so that "(14)" and "14" are one key.
+/// Brings the blanks of a key to one form, in place: none, however many there were, beside brackets, commas
+/// and equal signs. A number in brackets becomes the bare number, so that "(14)" and "14" are one key. A key
+/// in this form stays as it is.
 void NormalizeKey(std::string& text);
 
 /// Where a caller found its work series, in the order in which it asks for them: saves making the texts of

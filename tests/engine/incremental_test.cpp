@@ -79,6 +79,23 @@ TEST(ProcessScripData, KeepsTheStatementsAndTheExpressionNormalised) {
   EXPECT_EQ(engine.preparedScript, "(A) > (1)");
 }
 
+TEST(Keys, HoweverManyBlanksStandInACallItsEntriesAreTheSame) {
+  const std::string blanks(40, ' '), tabs(40, '\t');
+  for (const std::string& script :
+       {"SET A = SMA(EMA(CLOSE" + blanks + ", 2)" + blanks + "," + blanks + "3)\r\nIF(A > 1, A, 0)",
+        "SET A = SMA(" + blanks + "EMA(" + tabs + "CLOSE" + tabs + ", 2" + tabs + "), 3" + blanks +
+            ")\r\nIF(A" + blanks + "> 1" + blanks + ", A" + tabs + ", 0)"}) {
+    Living engine(script);
+    engine.run();
+    const std::size_t entries = engine.variables.size();
+    EXPECT_EQ(engine.rows("A"), engine.rows("SMA(EMA(CLOSE,2),3)")) << script;
+    EXPECT_EQ(engine.rows("A"), (Rows{kNull, kNull, kNull, 2.5, 3.5, 4.5, 5.5, 6.5})) << script;
+    engine.append(2).run();
+    EXPECT_EQ(engine.rows("A"), (Rows{kNull, kNull, kNull, 2.5, 3.5, 4.5, 5.5, 6.5, 7.5, 8.5})) << script;
+    EXPECT_EQ(engine.variables.size(), entries) << script;
+  }
+}
+
 TEST(ProcessScripData, EvaluatesNothing) {
   Living engine("SET A = FOO\r\nBLAH(1)");
   EXPECT_EQ(engine.errorText, "");

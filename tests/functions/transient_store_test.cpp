@@ -26,6 +26,16 @@ TEST(NormalizeKey, TakesTheBlanksBesideSigns) {
   EXPECT_EQ(normalised("SMA( CLOSE, 5 )"), "SMA(CLOSE,5)");
   EXPECT_EQ(normalised("(A) = (B)"), "(A)=(B)");
   EXPECT_EQ(normalised("A , B"), "A,B");
+  EXPECT_EQ(normalised(" (A) "), "(A)");
+  EXPECT_EQ(normalised("A AND B"), "A AND B");
+}
+
+TEST(NormalizeKey, TakesAllOfThem) {
+  EXPECT_EQ(normalised("SMA(CLOSE  , 5)"), "SMA(CLOSE,5)");
+  EXPECT_EQ(normalised("SMA(   CLOSE,    5   )   =   1"), "SMA(CLOSE,5)=1");
+  EXPECT_EQ(normalised("(   )"), "");  // of brackets alone the number in them is left, which is none
+  EXPECT_EQ(normalised("(   A   )"), "(A)");
+  EXPECT_EQ(normalised("A   AND   B"), "A   AND   B");
 }
 
 TEST(NormalizeKey, ANumberInBracketsIsTheNumber) {
