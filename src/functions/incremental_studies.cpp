@@ -7,6 +7,7 @@
 #include "functions/incremental_tools.hpp"
 #include "functions/row_walk.hpp"
 #include "indicators/candlestick.hpp"
+#include "indicators/compute_rows.hpp"
 #include "indicators/percent_swing.hpp"
 
 namespace brindlewort::incremental {
@@ -61,13 +62,15 @@ Prices viewsOf(const PriceSources& prices) {
 }
 
 /// The type of each candle while an output is asked of the script; otherwise the type of the newest one,
-/// without rows.
+/// without rows. Where the script names no pattern, every row is 0.
 bool runCandles(CScriptEngine& engine, CallSite& site, ScriptVariable& result) {
   const PriceSources prices = engine.priceSources();
-  if (engine.candleOutputId != 0) {
+  if (engine.candlePattern == -1) {
+    computeRows(target(result), 0, static_cast<Count>(result.values.size()), [](Count) { return 0.0; });
+  } else if (engine.candleOutputId != 0) {
     CTechnicalFunctions::CandlestickPattern(engine.workSeries(), prices, engine.candlePattern,
                                             target(result));
-  } else if (engine.candlePattern != -1) {
+  } else {
     result.values.clear();
     result.value = CFeedkit::CandlestickPattern(viewsOf(prices), engine.candlePattern);
     site.changedFrom = 0;

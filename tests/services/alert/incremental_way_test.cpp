@@ -26,6 +26,23 @@ TEST(IncrementalAlert, EachBarIsEvaluatedFromTheSeventhOn) {
   EXPECT_EQ(w.take(), Events{fired("9.5 17")});
 }
 
+TEST(IncrementalAlert, CandlesWithoutAPatternFireNothing) {
+  for (const char* script : {"CSP()", "CANDLESTICKPATTERN()", "CANDLESTICKS()"}) {
+    Watcher w;
+    w.startLiving(script);
+    w.appendAllOpt({10, 11, 12, 13, 14, 15, 16, 17, 18});
+    EXPECT_EQ(w.editOpt(9, 12), true);
+    EXPECT_EQ(w.take(), Events{}) << script;
+  }
+  // They have rows all the same, so that a function of them and another series has rows from the first on.
+  Watcher w;
+  w.startLiving("COMPOSITE(VOLUME, CSP(), 1, 0) > 0");
+  w.appendAllOpt({10, 11, 12, 13, 14, 15});
+  EXPECT_EQ(w.take(), Events{});
+  w.appendOpt(7, 16);
+  EXPECT_EQ(w.take(), Events{fired("7.5 16")});
+}
+
 TEST(IncrementalAlert, AnEditOfTheLastBarIsEvaluated) {
   Watcher w;
   w.startLiving(kRising);
