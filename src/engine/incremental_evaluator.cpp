@@ -174,12 +174,10 @@ void CScriptEngine::rememberFast(Expression& statement, const StoreEntry& value)
     fresh.value = value.value;
     fresh.values = Series(value.values.view());
     variable = &variables[variables.append(std::move(fresh))];
-    variable->isSetVariable = true;
     noteChange(*variable, 0);
   } else {
     if (variable->madeForText) {
       variable->madeForText = false;
-      variable->isSetVariable = true;
       variables.noteShape();
     }
     copyToVariable(statement, value, *variable);
@@ -189,7 +187,7 @@ void CScriptEngine::rememberFast(Expression& statement, const StoreEntry& value)
   statement.variableRows =
       std::min(variable->values.size(), static_cast<std::size_t>(std::max(windowLength, 0)));
   statement.variableSeen = moment_;
-  if (variable->isSetVariable) listOutput(*variable);
+  if (variable->kind == kComputedVariable) listOutput(*variable);  // data of the host is no output
 }
 
 void CScriptEngine::copyToVariable(const Expression& statement, const StoreEntry& value,

@@ -21,7 +21,6 @@ struct StoreEntry : ScriptVariable {
   ChangeLog changes;           ///< of its rows
   std::uint64_t listedIn = 0;  ///< the run that has listed it among its outputs
   bool madeForText = false;    ///< value of an expression: found by its text, but no name of a script
-  bool isSetVariable = false;  ///< made by a SET statement
   bool hasNumberName = false;  ///< its name is a number text, so that bars add no rows to it
   bool isConstant = false;     ///< made for a number: all rows that it ever has are its value
 };

@@ -115,6 +115,18 @@ TEST(PointerBlock, HoldsWhileBarsComeAndChange) {
   EXPECT_EQ(list->items[0].values[7], kNull);  // not computed yet
 }
 
+TEST(PointerBlock, ListsAVariableWhoseEntryAFunctionHasMade) {
+  LivingScript script("SET DATE = DATEDIFF(5, 0, 1)\r\nCLOSE");
+  script.ramp(6);
+  for (int run = 0; run < 3; ++run) {
+    const List* list = listOf(script.ramp(1));
+    ASSERT_NE(list, nullptr);
+    ASSERT_EQ(list->count, 2u) << run;
+    EXPECT_EQ(list->items[0].values, script.component.findSeries("DATEDIFF(5,0,1)")->data());
+    EXPECT_EQ(list->items[1].values, script.component.findSeries("DATE")->data());
+  }
+}
+
 TEST(PointerBlock, HoldsWhileTheHostFeedsItsSeries) {
   LivingScript script("SET X = X\r\nSET A = X + 1\r\n1");
   script.component.AddOrRemoveBasicVectorSeries("X", 1);
