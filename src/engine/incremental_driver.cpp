@@ -41,7 +41,7 @@ void CScriptEngine::forgetExpressions() {
   workSeries_.forget();
   outputEntries.clear();
   resultEntry = nullptr;
-  lastCall_ = {};
+  lastCall_.reset();
 }
 
 std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
@@ -51,6 +51,7 @@ std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
   paddedData = false;
   outputEntries.clear();
   resultEntry = nullptr;
+  lastCall_.reset();
   ++runNumber_;
   const std::int32_t rows = static_cast<std::int32_t>(bars.size());
   const std::int32_t lookback = windowLength;
@@ -69,7 +70,7 @@ std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
     endRun(stop);
   }
   if (aborted_) errorText = kTooComplex;
-  currentFunction = lastCall_;
+  if (lastCall_) currentFunction = *lastCall_;
   repeatsAll_ = false;
   return errorText.empty() ? text : errorText;
 }

@@ -96,7 +96,7 @@ void CScriptEngine::noteEvaluation(Expression& expression, std::uint64_t effects
   repeats.effects = effects;
   repeats.levels = deepest_ - depth_ + 1;
   repeats.calls = callsNoted_ != calls;
-  repeats.lastCall = lastCall_;
+  repeats.lastCall = lastCall_.value_or(std::string_view());
 }
 
 const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {

@@ -22,9 +22,12 @@ bool oneConditionOnly(CScriptEngine& engine, const FunctionCall& call) {
                                              "without the 'AND' or 'OR' operators");
 }
 
-/// The condition's text, put in brackets and evaluated as an expression of its own.
-ScriptVariable evaluateCondition(CScriptEngine& engine, std::string_view text) {
-  return engine.EvaluateExpression("(" + std::string(text) + ")");
+/// Evaluates the condition's text, put in brackets, as an expression of its own. False, with nothing
+/// evaluated, once an error stands.
+bool evaluateCondition(CScriptEngine& engine, std::string_view text, ScriptVariable& condition) {
+  if (!engine.errorText.empty()) return false;
+  condition = engine.EvaluateExpression("(" + std::string(text) + ")");
+  return true;
 }
 
 }  // namespace
@@ -37,7 +40,8 @@ bool ifThenElse(CScriptEngine& engine, FunctionCall& call, ScriptVariable& resul
   if (!bindSeries(engine, call, slots[2], "argument 3", falsePart)) return false;
   if (!oneConditionOnly(engine, call) || !notNegative(engine, call, slots)) return false;
 
-  const ScriptVariable condition = evaluateCondition(engine, slots[0]);
+  ScriptVariable condition;
+  if (!evaluateCondition(engine, slots[0], condition)) return false;
   if (condition.values.empty()) {
     result.value = condition.value != 0.0 ? truePart.value : falsePart.value;
     return true;
@@ -55,7 +59,8 @@ bool countIf(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) 
   if (slots.surplus()) return reportSurplus(engine, call);
   if (!notNegative(engine, call, slots) || !oneConditionOnly(engine, call)) return false;
 
-  const ScriptVariable condition = evaluateCondition(engine, slots[0]);
+  ScriptVariable condition;
+  if (!evaluateCondition(engine, slots[0], condition)) return false;
   if (condition.values.empty()) {
     result.value = condition.value != 0.0 ? 1.0 : 0.0;
     return true;
@@ -77,7 +82,8 @@ bool sumIf(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result) {
   if (!notNegative(engine, call, slots)) return false;
   if (!bindSeries(engine, call, slots[1], "vector", vector) || !oneConditionOnly(engine, call)) return false;
 
-  const ScriptVariable condition = evaluateCondition(engine, slots[0]);
+  ScriptVariable condition;
+  if (!evaluateCondition(engine, slots[0], condition)) return false;
   if (condition.values.empty()) {
     result.value = condition.value != 0.0 ? vector.value : 0.0;
     return true;
@@ -100,7 +106,8 @@ bool runCount(CScriptEngine& engine, FunctionCall& call, ScriptVariable& result)
   if (!notNegative(engine, call, slots) || !oneConditionOnly(engine, call)) return false;
 
   const bool repeat = call.output == kRepeatIf;
-  const ScriptVariable condition = evaluateCondition(engine, slots[0]);
+  ScriptVariable condition;
+  if (!evaluateCondition(engine, slots[0], condition)) return false;
   if (condition.values.empty()) {
     result.value = (condition.value != 0.0) != repeat ? 1.0 : 0.0;
     return true;

@@ -39,13 +39,22 @@ const StoreEntry* evaluatePart(CScriptEngine& engine, CallSite& site, std::size_
   return engine.errorText.empty() ? &entry : nullptr;
 }
 
+/// Binds a part of IF. The condition is evaluated before a part that has come as a bare word is missed, and
+/// may be what is evaluated last.
+bool bindPart(CScriptEngine& engine, CallSite& site, std::size_t part, std::string_view text,
+              std::string_view label) {
+  const bool isBareWord = part < site.values.size() && !site.values[part].entry;
+  if (isBareWord && engine.errorText.empty()) evaluatePart(engine, site, 0);
+  return bindSeries(engine, site, part, text, label);
+}
+
 bool bindIf(CScriptEngine& engine, CallSite& site) {
   const Slots<3> slots(engine, site, 3);
   if (slots.surplus()) return reportSurplus(engine, site);
-  if (!bindSeries(engine, site, 1, slots[1], "argument 2")) return false;
-  if (!bindSeries(engine, site, 2, slots[2], "argument 3")) return false;
-  if (!oneConditionOnly(engine, site) || !notNegative(engine, site, slots)) return false;
   bindCondition(engine, site);
+  if (!bindPart(engine, site, 1, slots[1], "argument 2")) return false;
+  if (!bindPart(engine, site, 2, slots[2], "argument 3")) return false;
+  if (!oneConditionOnly(engine, site) || !notNegative(engine, site, slots)) return false;
   for (std::size_t part : {1, 2}) site.parts[part] = &engine.expressionOf(ownText(site, part));
   return true;
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -235,7 +236,8 @@ class CScriptEngine {
   TransientStore workSeries_{variables};
   std::uint64_t moment_ = 0;  ///< of the last change of an entry's rows
   std::uint64_t runNumber_ = 0;
-  std::string_view lastCall_;  ///< the name in front of the bracket that was read last
+  /// The name in front of the bracket that the run has read last; empty for a group, none before any.
+  std::optional<std::string_view> lastCall_;
   std::uint64_t callsNoted_ = 0;
   std::uint64_t effects_ = 0;   ///< events after which an evaluation may give something else than before
   bool repeatsAll_ = false;     ///< this run evaluates what would only repeat itself

@@ -48,6 +48,25 @@ TEST(BacktestFace, BothWaysReportTheTradesOfABuyAndAnExit) {
   EXPECT_EQ(backtest.ScriptHelp(), "");  // the last bracket that was read groups, and names no function
 }
 
+TEST(BacktestFace, AScriptThatTheDriverRefusesLeavesTheHelpOfTheOneBefore) {
+  brindlewort::CBacktest backtest;
+  for (int day = 0; day < 30; ++day) backtest.AppendRecord(bar(day, 10.0));
+  const auto firstLine = [&] {
+    const std::string help = backtest.ScriptHelp();
+    return help.substr(0, help.find('\n'));
+  };
+  // A script of blanks is missing, which the driver says before anything of the last run is dropped; a
+  // comment alone is a script that turns out to be none.
+  backtest.Backtest_New("EMA(CLOSE, 1)", " ", "", "", 0.0, "");
+  EXPECT_EQ(firstLine(), "ExponentialMovingAverage(Vector, Periods)");
+  backtest.Backtest("EMA(CLOSE, 1)", " ", "", "", 0.0, "");
+  EXPECT_EQ(firstLine(), "ExponentialMovingAverage(Vector, Periods)");
+  backtest.Backtest_New("EMA(CLOSE, 1)", "# none", "", "", 0.0, "");
+  EXPECT_EQ(firstLine(), "");
+  backtest.Backtest("EMA(CLOSE, 1)", "# none", "", "", 0.0, "");
+  EXPECT_EQ(firstLine(), "");
+}
+
 TEST(BacktestFace, NullOutPointersOfAQueryAreSkipped) {
   bw_backtest* handle = bw_backtest_create();
   ASSERT_NE(handle, nullptr);
