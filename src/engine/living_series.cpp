@@ -35,6 +35,16 @@ double priceOf(std::string_view name, const Bar& bar) {
   return NULL_VALUE;
 }
 
+/// The first series of data of this name; a value of a script may have the name as well.
+StoreEntry* dataNamed(VariableStore& variables, std::string_view name) {
+  StoreEntry* first = variables.get(name);
+  if (!first || first->kind == kDataVariable) return first;
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    if (variables[i].kind == kDataVariable && variables[i].name == name) return &variables[i];
+  }
+  return nullptr;
+}
+
 void setLast(Series& series, double value) {
   if (!series.empty()) series.set(series.size() - 1, value);
 }
@@ -146,7 +156,9 @@ std::int32_t CScriptEngine::AddOrRemoveBasicVectorSeries(std::string_view name, 
   if (size == static_cast<std::int32_t>(NULL_VALUE)) {
     const std::size_t entries = variables.size();
     forgetExpressions();
-    variables.keepIf([name](std::size_t, const StoreEntry& entry) { return entry.name != name; });
+    variables.keepIf([name](std::size_t, const StoreEntry& entry) {
+      return entry.kind != kDataVariable || entry.name != name;
+    });
     reservedEntries_ = std::max<std::size_t>(entries, kUsualEntries);
     return -1;
   }
@@ -160,7 +172,7 @@ std::int32_t CScriptEngine::AddOrRemoveBasicVectorSeries(std::string_view name, 
 
 void CScriptEngine::UpdateBasicVectorData(std::string_view name, double value, std::uint8_t addOrUpdate) {
   enum : std::uint8_t { kAdd = 11, kUpdate = 22 };
-  StoreEntry* entry = variables.get(name);
+  StoreEntry* entry = dataNamed(variables, name);
   if (!entry || (addOrUpdate != kAdd && addOrUpdate != kUpdate)) return;
   Series& rows = entry->values;
   const std::size_t before = rows.size();

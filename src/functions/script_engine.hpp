@@ -81,7 +81,7 @@ class CScriptEngine {
   bool ProcessScripData(std::string_view script, std::string& error);
   void SetDataRetrieveMode(std::int32_t mode) { retrieveMode = mode; }
   /// Adds a series that the host feeds; -1 when `size` is below 1 or no room is left. With the null value as
-  /// size removes what has this name instead (-1).
+  /// size removes the series of data of this name instead (-1).
   std::int32_t AddOrRemoveBasicVectorSeries(std::string_view name, std::int32_t size);
   /// Adds a row to such a series (11) or changes its last row (22); other numbers do nothing.
   void UpdateBasicVectorData(std::string_view name, double value, std::uint8_t addOrUpdate);

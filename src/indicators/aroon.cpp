@@ -117,8 +117,9 @@ Status AROON(WorkStore& store, const PriceSources& prices, Count p, AroonLine li
 Status AROSC(WorkStore& store, const PriceSources& prices, Count p, Target out) {
   const Count n = readableRows(prices, out);
   if (!resumableRange(p, n)) return kNothingDone;
-  const Count lead = higherLead(prices.high.rows, prices.low.rows);
-  return copyRows(aroonField(store, prices, p, n, AroonLine::kOscillator).rows, lead + p - 1, n, out);
+  const Count first = higherLead(prices.high.rows, prices.low.rows) + p - 1;
+  if (startRow(out, first) >= n) return kNothingDone;  // nor are the lines formed before there is a row
+  return copyRows(aroonField(store, prices, p, n, AroonLine::kOscillator).rows, first, n, out);
 }
 
 }  // namespace CTechnicalFunctions

@@ -247,7 +247,9 @@ Status SMID(WorkStore& store, const PriceSources& prices, Count kPeriods, Count 
 Status WilliamsPctR(const PriceSources& prices, Count p, Target out) {
   const Count n = rangeRows(prices, out);
   if (!resumableRange(p, n)) return kNothingDone;
-  const Count start = startRow(out, firstValueIndex(prices.close.rows) + p - 1);
+  const Count lead =
+      std::max(higherLead(prices.high.rows, prices.low.rows), firstValueIndex(prices.close.rows));
+  const Count start = startRow(out, lead + p - 1);
   if (start >= n) return kNothingDone;
   williamsRows(prices.high.rows, prices.low.rows, prices.close.rows, p, start, n, prices.low.rows[start], 0.0,
                out.rows);

@@ -46,7 +46,8 @@ void SMID(const Prices& prices, Count kPeriods, Count kSmooth, Count kDouble, Co
 /// formula: (highest - close) / (highest - lowest) * -100 over p rows; the highest is at least 0
 /// batch: first row p + 1, where the lowest starts from the low of row p + 2; null where highest =
 ///   lowest.
-/// resumable: first row lead + p - 1; 0 where highest = lowest; recomputes the last row.
+/// resumable: first row lead + p - 1, the lead being the highest one of high, low and close; 0 where
+///   highest = lowest; recomputes the last row.
 void WilliamsPctR(const Prices& prices, Count p, Out out);
 }  // namespace CFeedkit
 

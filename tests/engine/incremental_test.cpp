@@ -245,6 +245,50 @@ TEST(RunFast, TheErrorOfOneRunIsNotThatOfTheNext) {
   }
 }
 
+TEST(RunFast, WhatHasFailedIsComputedInFullAtTheNextGoodRun) {
+  // The period is the host's series; the script fails while it is 0.
+  Living engine("SET A = 2 * CLOSE - SUM(CLOSE, X)\r\nSET B = A + 1\r\nB");
+  engine.AddOrRemoveBasicVectorSeries("X", 20);
+  for (int i = 0; i < 8; ++i) engine.UpdateBasicVectorData("X", 2, 11);
+  EXPECT_EQ(engine.run(), "ALERT");
+  // Twice the close in the last row alone, as the left scalar is not spread; totals of two rows.
+  EXPECT_EQ(engine.rows("A"), (Rows{-3, -3, -5, -7, -9, -11, -13, 1}));
+  for (int bar = 9; bar <= 10; ++bar) {
+    engine.append();
+    engine.UpdateBasicVectorData("X", 0, 22);
+    EXPECT_EQ(engine.run(), "Error: 'SUM' argument should be greater than 1.");
+    EXPECT_EQ(engine.rows("(2 * CLOSE - SUM(CLOSE, X))"), Rows());
+  }
+  engine.append();
+  engine.UpdateBasicVectorData("X", 2, 22);
+  EXPECT_EQ(engine.run(), "ALERT");
+  EXPECT_EQ(engine.rows("A"), (Rows{-3, -3, -5, -7, -9, -11, -13, -15, -17, -19, 1}));
+  EXPECT_EQ(engine.rows("B"), (Rows{-2, -2, -4, -6, -8, -10, -12, -14, -16, -18, 2}));
+}
+
+TEST(RunFast, AFailedCallLeavesItsExpressionWithoutRows) {
+  Living engine("CLOSE + SUM(CLOSE, X)");
+  engine.AddOrRemoveBasicVectorSeries("X", 20);
+  for (int i = 0; i < 8; ++i) engine.UpdateBasicVectorData("X", 1, 11);
+  engine.run();
+  EXPECT_EQ(engine.rows("(CLOSE + SUM(CLOSE,X))"), (Rows{2, 4, 6, 8, 10, 12, 14, 16}));
+  engine.UpdateBasicVectorData("X", 0, 22);
+  engine.run();
+  EXPECT_EQ(engine.rows("(CLOSE + SUM(CLOSE,X))"), Rows());
+  engine.UpdateBasicVectorData("X", 1, 22);
+  engine.run();
+  EXPECT_EQ(engine.rows("(CLOSE + SUM(CLOSE,X))"), (Rows{2, 4, 6, 8, 10, 12, 14, 16}));
+}
+
+TEST(RunFast, BehindAnErrorNothingIsComputed) {
+  Living engine("FOO + SMA(CLOSE, 2)");
+  engine.run();
+  EXPECT_EQ(engine.variables.get("SMA(CLOSE,2)"), nullptr);
+  Living argument("MAXOF(FOO, SMA(CLOSE, 2))");
+  EXPECT_EQ(argument.run(), "Error: Undefined variable 'FOO'");
+  EXPECT_EQ(argument.rows("MAXOF(FOO,SMA(CLOSE,2))"), Rows(8, kNull));
+}
+
 TEST(RunFast, TheDriversTextsSpeakOfTheLastRunAlone) {
   Living engine("SMA(CLOSE, FOO)");
   EXPECT_EQ(engine.run(), "Error: Undefined variable 'FOO'");

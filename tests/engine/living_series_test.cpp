@@ -329,6 +329,40 @@ TEST(UpdateBasicVectorData, TheFirstOfTwoSeriesOfANameIsFed) {
   EXPECT_TRUE(engine.variables[6].values.empty());
 }
 
+TEST(BasicVectorSeries, IsFedAlthoughARunHasFailedForWantOfIt) {
+  Living engine;
+  for (int i = 1; i <= 7; ++i) engine.append(i);
+  engine.prepare("SET A = X + 1\r\nSMA(X, 2) > 0");
+  EXPECT_EQ(engine.run(), "Error: Undefined variable 'X'");
+  engine.prepare("SET B = SMA(X, 2)\r\nX");
+  engine.AddOrRemoveBasicVectorSeries("X", 10);
+  for (int i = 1; i <= 7; ++i) engine.UpdateBasicVectorData("X", 10.0 * i, 11);
+  EXPECT_EQ(engine.run(), "ALERT");
+  EXPECT_EQ(engine.rows("A"), (Rows{11, 21, 31, 41, 51, 61, 71}));
+  EXPECT_EQ(engine.rows("B"), (Rows{kNull, 15, 25, 35, 45, 55, 65}));
+  engine.append(8);
+  engine.UpdateBasicVectorData("X", 80, 22);
+  EXPECT_EQ(engine.run(), "ALERT");
+  EXPECT_EQ(engine.rows("A").back(), 81);
+  EXPECT_EQ(engine.rows("B").back(), 75);
+}
+
+TEST(BasicVectorSeries, ValuesOfAScriptAreNeitherFedNorRemoved) {
+  Living engine;
+  for (int i = 1; i <= 7; ++i) engine.append(i);
+  engine.prepare("SET A = CLOSE\r\nSMA(A, 2)");
+  EXPECT_EQ(engine.run(), "ALERT");
+  for (std::uint8_t how : {11, 22}) engine.UpdateBasicVectorData("A", 100, how);
+  EXPECT_EQ(engine.rows("A"), (Rows{1, 2, 3, 4, 5, 6, 7}));
+  const std::size_t entries = engine.variables.size();
+  for (const char* name : {"A", "SMA(A,2)", "(SMA(A,2))"}) {
+    EXPECT_EQ(engine.AddOrRemoveBasicVectorSeries(name, -987654321), -1);
+  }
+  EXPECT_EQ(engine.variables.size(), entries);
+  EXPECT_EQ(engine.run(), "ALERT");
+  EXPECT_EQ(engine.rows("SMA(A,2)"), (Rows{kNull, 1.5, 2.5, 3.5, 4.5, 5.5, 6.5}));
+}
+
 TEST(BasicVectorSeries, ABarGivesItARowToo) {
   Living engine;
   engine.append(1);

@@ -128,6 +128,30 @@ TEST(Aroon, OfEqualOlderHighsTheOldestStandsInBatchAndTheNewestInTheResumableFor
   EXPECT_EQ((4 - 2) / 4.0 * 100, runResumable(prices, resumable(4, AroonLine::kUp))[5]);
 }
 
+/// A store that tells which work series it was asked for.
+struct AskedStore : TestStore {
+  using TestStore::TestStore;
+  WorkField field(std::string_view name, std::initializer_list<KeyPart> parts) override {
+    asked.emplace_back(name);
+    return TestStore::field(name, parts);
+  }
+  std::vector<std::string> asked;
+};
+
+TEST(Aroon, TheOscillatorFormsNoWorkSeriesWhileItHasNoRow) {
+  const PriceRows prices = highsAndLows({kNull, kNull, 9, 8, 7}, {kNull, kNull, 1, 2, 3});
+  for (const std::size_t rows : {4u, 5u}) {
+    AskedStore store(rows);
+    Rows out(rows, kNull);
+    std::int32_t slot = -1;
+    // The lead is 2, so that the first of its windows of 3 rows ends in row 4.
+    const Status status = CTechnicalFunctions::AROSC(store, sourcesOf(prices, rows), 3, {out, &slot});
+    EXPECT_EQ(status, rows == 5 ? kDone : kNothingDone);
+    EXPECT_EQ(store.asked, rows == 5 ? (std::vector<std::string>{"AROONUP", "AROONDOWN", "AROON"})
+                                     : std::vector<std::string>());
+  }
+}
+
 TEST(Aroon, ANonNumberInThePresentRowIsNeverBeaten) {
   const PriceRows prices = highsAndLows({1, 9, 9, 9, kNaN}, {0, 0, 0, 0, kNaN});
   EXPECT_EQ(100.0, runBatch(prices, batch(3, AroonLine::kUp))[4]);

@@ -319,6 +319,19 @@ TEST(DetrendedPriceOscillator, IsTheRuleOnAllInputs) {
   });
 }
 
+TEST(DetrendedPriceOscillator, AResumedCallWritesFromTheLastRowOn) {
+  Rows in = {9, 2, 2, 6, 8, 20};
+  TestStore store(in.size());
+  Rows out(in.size(), kNull);
+  std::int32_t slot = -1;
+  const Operation operation = livingDetrended(2, kSimple);
+  operation(store, sourcesOf(closesOnly(in), in.size()), {out, &slot});
+  // Averages of rows that are computed stay, and so do the rows of the result in front of the last one.
+  for (double& x : in) x += 100.0;
+  operation(store, sourcesOf(closesOnly(in), in.size()), {out, &slot});
+  EXPECT_TRUE(sameRows(Rows{kNull, kNull, 2, 0.5, 6, 116}, out));
+}
+
 TEST(DetrendedPriceOscillator, Streams) {
   for (Count type : kAllTypes) expectStreams(livingDetrended(6, type));
 }

@@ -371,6 +371,18 @@ TEST(WilliamsPctR, HighestIsAtLeastZero) {
   EXPECT_EQ(runAtOnce(bars, livingWilliams(2)).rows[3], (0.0 - -2.0) / (0.0 - -3.0) * -100.0);
 }
 
+TEST(WilliamsPctR, ResumableBeginsWhereThePricesHaveAllBegun) {
+  // Each of the three begins last in turn; rows 2 and 3 have all of them, and windows of 2 rows one of the
+  // two.
+  const Rows late = {kNull, kNull, 10, 12}, early = {9, 9, 10, 12};
+  for (const PriceRows& bars :
+       {barsOf(late, early, early), barsOf(early, late, early), barsOf(early, early, late)}) {
+    const Rows rows = runAtOnce(bars, livingWilliams(2)).rows;
+    EXPECT_TRUE(sameRows(Rows(3, kNull), Rows(rows.begin(), rows.begin() + 3)));
+    EXPECT_EQ(rows[3], (12.0 - 12.0) / (12.0 - 10.0) * -100.0);
+  }
+}
+
 TEST(WilliamsPctR, WithoutRangeIsNullInBatchAndZeroResumable) {
   const PriceRows flat = makePrices(Shape::kFlat, 12);
   EXPECT_TRUE(allNull(batchWilliams(flat, 3)));
@@ -379,7 +391,9 @@ TEST(WilliamsPctR, WithoutRangeIsNullInBatchAndZeroResumable) {
 
 TEST(WilliamsPctR, IsTheRuleOnAllInputs) {
   forAllPrices({1, 2, 3, 5}, [](const PriceRows& prices, Count p) {
-    const Count n = countOf(prices.close), first = firstValueIndex(prices.close) + p - 1;
+    const Count lead =
+        std::max({firstValueIndex(prices.high), firstValueIndex(prices.low), firstValueIndex(prices.close)});
+    const Count n = countOf(prices.close), first = lead + p - 1;
     const Rows none(prices.close.size(), kNull);
     EXPECT_TRUE(
         sameRows(p < n ? williamsTwin(prices, p, p + 1, p + 2, kNull) : none, batchWilliams(prices, p)));

@@ -370,6 +370,14 @@ TEST(SuperTrend, ANullLowStopLosesToAnyPrice) {
   EXPECT_EQ(-2.25e9, runAtOnce(prices, resumableSuperTrend(1, 0.25)).rows[5]);
 }
 
+TEST(SuperTrendResumable, ANullLowStopLosesToAnyPriceInTheFirstRowToo) {
+  // Ranges of 1e8, times 99, below the middle at 5e7: far below the number that marks a null.
+  const Rows high(4, 1e8), low(4, 0.0);
+  const PriceRows prices = barsOf(high, low);
+  EXPECT_TRUE(
+      sameRows(Rows{kNull, -9.85e9, -9.85e9, -9.85e9}, runAtOnce(prices, resumableSuperTrend(1, 99)).rows));
+}
+
 TEST(SuperTrend, IsTheSlowTwinForEveryShapeAndLength) {
   for (Count p : kSmallPeriods) {
     for (double factor : {0.0, 0.3, 1.0, 3.0, -1.0}) {

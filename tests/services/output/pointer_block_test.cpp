@@ -144,14 +144,15 @@ TEST(PointerBlock, HoldsWhileTheHostFeedsItsSeries) {
 
 TEST(PointerBlock, HoldsWhenSeriesAreRemoved) {
   LivingScript script("SET A = CLOSE\r\nSET B = CLOSE + 1\r\n1");
+  for (const char* name : {"X", "Y"}) script.component.AddOrRemoveBasicVectorSeries(name, 10);
   script.ramp(7);
   const List* list = listOf(script);
   ASSERT_NE(list, nullptr);
   const Seen seen(*list);
-  script.component.AddOrRemoveBasicVectorSeries("A", -987654321);
+  script.component.AddOrRemoveBasicVectorSeries("X", -987654321);
   EXPECT_EQ(seen.read(0), (Rows{1, 2, 3, 4, 5, 6, 7}));
   script.ramp(100);
-  script.component.AddOrRemoveBasicVectorSeries("B", -987654321);
+  script.component.AddOrRemoveBasicVectorSeries("Y", -987654321);
   ASSERT_EQ(list->count, 2u);
   EXPECT_EQ(rowsOf(*list, 0), (Rows{1, 2, 3, 4, 5, 6, 7}));
   EXPECT_EQ(rowsOf(*list, 1), (Rows{2, 3, 4, 5, 6, 7, 8}));
