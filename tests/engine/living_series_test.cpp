@@ -332,9 +332,10 @@ TEST(UpdateBasicVectorData, TheFirstOfTwoSeriesOfANameIsFed) {
 TEST(BasicVectorSeries, IsFedAlthoughARunHasFailedForWantOfIt) {
   Living engine;
   for (int i = 1; i <= 7; ++i) engine.append(i);
-  engine.prepare("SET A = X + 1\r\nSMA(X, 2) > 0");
+  engine.prepare("SMA(X, 2) > 0");
   EXPECT_EQ(engine.run(), "Error: Undefined variable 'X'");
-  engine.prepare("SET B = SMA(X, 2)\r\nX");
+  ASSERT_NE(engine.variables.get("X"), nullptr);  // the text of the argument
+  engine.prepare("SET A = X + 1\r\nSET B = SMA(X, 2)\r\nX");
   engine.AddOrRemoveBasicVectorSeries("X", 10);
   for (int i = 1; i <= 7; ++i) engine.UpdateBasicVectorData("X", 10.0 * i, 11);
   EXPECT_EQ(engine.run(), "ALERT");

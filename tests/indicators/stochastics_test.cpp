@@ -372,8 +372,7 @@ TEST(WilliamsPctR, HighestIsAtLeastZero) {
 }
 
 TEST(WilliamsPctR, ResumableBeginsWhereThePricesHaveAllBegun) {
-  // Each of the three begins last in turn; rows 2 and 3 have all of them, and windows of 2 rows one of the
-  // two.
+  // Each of the three in turn begins in row 2, so that the first window of 2 rows ends in row 3.
   const Rows late = {kNull, kNull, 10, 12}, early = {9, 9, 10, 12};
   for (const PriceRows& bars :
        {barsOf(late, early, early), barsOf(early, late, early), barsOf(early, early, late)}) {
