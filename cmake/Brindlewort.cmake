@@ -18,6 +18,14 @@ if(BRINDLEWORT_SANITIZE_THREADS)
   target_compile_options(brindlewort_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
   target_link_options(brindlewort_flags INTERFACE -fsanitize=thread)
 endif()
+if(BRINDLEWORT_COVERAGE)
+  target_compile_options(brindlewort_flags INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+  target_link_options(brindlewort_flags INTERFACE -fprofile-instr-generate)
+elseif(BRINDLEWORT_FUZZ)
+  # The fuzzer sees which way each input takes through all of the library. What is compared there it need not see, since
+  # inputs are made of the language's own words; that would cost a third of the speed.
+  target_compile_options(brindlewort_flags INTERFACE -fsanitize-coverage=inline-8bit-counters,pc-table)
+endif()
 
 # brindlewort_precompile(<layer>): the standard headers, compiled with the first layer that asks. A build without it
 # shows whether each file includes what it uses.
