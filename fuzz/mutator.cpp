@@ -62,7 +62,7 @@ class LineWriter {
         {"Ob$n,$h", "Or$s,0,$v", "", "", ""},          {"Oi0", "Op$s", "OA$n,$h", "OR$s,0,$v", "OA0,$h"},
         {"oi0", "oA$n,$h", "op$s", "oP$s,0,$v", ""},   {"As$s", "Ab$n,$h", "Aa0,$h", "", ""},
         {"Ai0", "Ap$s", "As$s", "AA$n,$h", ""},        {"Bb$n,$h", "Br$s,$s,$s,$s,0,$p", "", "", ""},
-        {"Bb$n,$h", "BR$s,$s,$s,$s,0,$p", "", "", ""}, {"Ol$s,$n,$h,", "", "", "", ""},
+        {"Bb$n,$h", "BR$s,$s,$s,$s,0,$p", "", "", ""},
     };
     lines.push_back(scriptLine());
     if (random_.oneIn(30)) lines.push_back(filled("Vv$s,$m"));

@@ -1,7 +1,5 @@
 #include "output_player.hpp"
 
-#include <algorithm>
-
 namespace brindlewort::fuzz {
 
 namespace {
@@ -60,7 +58,7 @@ std::span<const Call<OutputPlayer>> OutputPlayer::calls() {
       {'A', "nh", &P::appendLiving}, {'E', "kih", &P::editLiving},  {'J', "kk", &P::editLivingDate},
       {'R', "smv", &P::runLiving},   {'H', "s", &P::headingLiving}, {'P', "smv", &P::runPointers},
       {'q', "ik", &P::queries},      {'d', "iiiiiid", &P::dates},   {'z', "ddv", &P::refusals},
-      {'l', "snhv", &P::streamed},   {'!', "", &P::compareNow},
+      {'!', "", &P::compareNow},
   };
   return kCalls;
 }
@@ -327,56 +325,6 @@ void OutputPlayer::runPointers(Line& line) {
       for (size_t row = 0; row < shown.items[i].count; ++row) t.number(shown.items[i].values[row]);
     }
   });
-}
-
-namespace {
-
-/// A handle that has prepared a script, and runs it after every bar or once at the end.
-std::string streamedText(const std::string& script, const std::vector<Row>& rows, const std::string& sets,
-                         bool everyBar) {
-  const OutputHandle handle(bw_script_output_create());
-  bw_script_output* h = handle.get();
-  int32_t result = 0;
-  bw_script_output_initialise_transient_store(h, 0);
-  bw_script_output_process_scrip_data(h, script.c_str(), &result);
-  Transcript t;
-  for (const Row& row : rows) {
-    bw_script_output_append_record_new(h, row.date, row.open, row.high, row.low, row.close, volumeOf(row));
-    if (!everyBar && &row != &rows.back()) continue;
-    char* text = nullptr;
-    t.clear();
-    t.integer(bw_script_output_get_script_output_new(h, script.c_str(), 0, sets.c_str(), &text));
-    t.takeText(text);
-  }
-  return t.str();
-}
-
-/// The rainbow oscillator adds onto the row that it computes anew, and random numbers are drawn anew.
-bool drifts(std::string_view script) {
-  static constexpr std::string_view kNames[] = {"RBO", "RAINBOW", "RND"};
-  std::string upper(script);
-  for (char& c : upper) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
-  return std::any_of(std::begin(kNames), std::end(kNames),
-                     [&](std::string_view name) { return upper.find(name) != std::string::npos; });
-}
-
-}  // namespace
-
-/// Bars with a run after each give the series of one run over all.
-void OutputPlayer::streamed(Line& line) {
-  const std::string script = scripts_.of(line);
-  const std::vector<Row> rows = [&] {
-    const std::size_t wanted = line.choice(Model::kMostBars) + 1;
-    static constexpr int kPlainShapes[] = {0, 1, 2, 3, 9};
-    const int shape = kPlainShapes[line.choice(std::size(kPlainShapes))];
-    std::vector<Row> all;
-    for (std::size_t i = 0; i < wanted; ++i) all.push_back(makeRow(shape, i));
-    return all;
-  }();
-  const std::string sets = line.text();
-  if (drifts(script)) return;
-  requireSame(streamedText(script, rows, sets, true), streamedText(script, rows, sets, false),
-              "output: bars with a run after each give the series of one run over all");
 }
 
 // ---- Questions

@@ -64,7 +64,6 @@ class OutputPlayer {
   void runLiving(Line& line);
   void headingLiving(Line& line);
   void runPointers(Line& line);
-  void streamed(Line& line);
   void queries(Line& line);
   void dates(Line& line);
   void refusals(Line& line);

@@ -98,7 +98,7 @@ std::string ScriptWriter::operand(int depth) {
     case 3:
       return depth > 0 ? "(" + expression(depth - 1) + ")" : series(0);
     case 4:
-      return random_.oneIn(12) ? text(random_.of(kOddities)) : series(depth);
+      return odd(12) ? text(random_.of(kOddities)) : series(depth);
     default:
       return series(depth);
   }
@@ -112,7 +112,7 @@ std::string ScriptWriter::series(int depth) {
 }
 
 std::string ScriptWriter::number() {
-  return random_.oneIn(6) ? text(random_.of(kNumbers)) : std::to_string(random_.below(12));
+  return odd(6) ? text(random_.of(kNumbers)) : std::to_string(random_.below(12));
 }
 
 std::string ScriptWriter::word() {
@@ -130,8 +130,13 @@ std::string ScriptWriter::word() {
 
 std::string ScriptWriter::call(int depth) {
   const FunctionRow& row = random_.of(functionTable());
-  std::string written = text(random_.of(row.names).name);
-  if (row.operation == "CandlestickPattern") return written + "() = " + random_.of(constants());
+  return call(row, random_.of(row.names).name, depth);
+}
+
+std::string ScriptWriter::call(const FunctionRow& row, std::string_view name, int depth) {
+  std::string written(name);
+  if (row.operation == "CandlestickPattern" && !random_.oneIn(8))
+    return written + "() = " + random_.of(constants());
   if (row.noArguments && random_.oneIn(2)) return written;
   const std::vector<Slot>& slots =
       !row.incrementalSlots.empty() && random_.oneIn(2) ? row.incrementalSlots : row.slots;
@@ -139,7 +144,7 @@ std::string ScriptWriter::call(int depth) {
   std::size_t count = slots.size();
   // Arguments that may be left out, too few of them, and too many.
   while (count > 1 && slots[count - 1].optional && random_.oneIn(2)) --count;
-  if (random_.oneIn(25)) count = random_.below(slots.size() + 2);
+  if (odd(25)) count = random_.below(slots.size() + 2);
   for (std::size_t i = 0; i < count; ++i) {
     if (i > 0) written += ", ";
     written += i < slots.size() ? argument(slots[i], depth) : number();
@@ -148,21 +153,20 @@ std::string ScriptWriter::call(int depth) {
 }
 
 std::string ScriptWriter::argument(const Slot& slot, int depth) {
-  if (random_.oneIn(40)) return text(random_.of(kOddities));
-  if (random_.oneIn(40)) return random_.of(constants());
+  if (odd(40)) return text(random_.of(kOddities));
+  if (odd(40)) return random_.of(constants());
   switch (slot.kind) {
     case SlotKind::kWhole:
     case SlotKind::kInteger:
     case SlotKind::kBarsNumber:
       return whole(slot);
     case SlotKind::kMaType:
-      return random_.oneIn(4) ? std::to_string(random_.below(11)) : text(random_.of(kTypes));
-    case SlotKind::kNumber:
-      return number();
+      return random_.oneIn(4) ? std::to_string(1 + random_.below(odd(2) ? 11 : 8)) : text(random_.of(kTypes));
     case SlotKind::kLiteral:
-      return random_.oneIn(3) ? number() : "0." + std::to_string(random_.below(99));
+      return odd(3) ? number() : "0." + std::to_string(1 + random_.below(99));
+    case SlotKind::kNumber:
     case SlotKind::kIgnored:
-      return number();
+      return odd(3) ? number() : whole(slot);
     case SlotKind::kSeries:
       break;
   }
@@ -170,9 +174,9 @@ std::string ScriptWriter::argument(const Slot& slot, int depth) {
   const std::string_view name = slot.name;
   const auto speaksOf = [name](std::string_view word) { return name.find(word) != std::string_view::npos; };
   if (speaksOf("condition")) return condition(depth > 0 ? depth - 1 : 0);
-  if (speaksOf("period") || speaksOf("digits") || speaksOf("offset") || speaksOf("number"))
-    return whole(slot);
-  if (speaksOf("multiple") || speaksOf("percent")) return number();
+  if (speaksOf("offset") || speaksOf("reference")) return std::to_string(random_.below(4));
+  if (speaksOf("period") || speaksOf("digits") || speaksOf("number")) return whole(slot);
+  if (speaksOf("multiple") || speaksOf("percent")) return whole(slot);
   if (speaksOf("operator")) {
     static constexpr std::string_view kOperators[] = {"ADD", "SUBTRACT", "MULTIPLY", "DIVIDE",
                                                       "MOD", "1",        "5"};
@@ -181,9 +185,12 @@ std::string ScriptWriter::argument(const Slot& slot, int depth) {
   return depth > 0 && random_.oneIn(4) ? expression(depth - 1) : series(depth);
 }
 
-std::string ScriptWriter::whole(const Slot&) {
-  if (random_.oneIn(20)) return number();
-  return std::to_string(1 + random_.below(random_.oneIn(3) ? 12 : 4));
+/// Short periods, so that few bars warm them up.
+std::string ScriptWriter::whole(const Slot& slot) {
+  if (odd(20)) return number();
+  const std::size_t least = slot.low >= 2 && !odd(10) ? 2 : 1;
+  const std::size_t most = slot.high > 4 && random_.oneIn(3) ? 8 : slot.high < 4 ? 1 : 3;
+  return std::to_string(least + random_.below(most + 1));
 }
 
 }  // namespace brindlewort::fuzz

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "functions/function_table.hpp"
 #include "random.hpp"
@@ -11,13 +12,17 @@ namespace brindlewort::fuzz {
 /// then what is refused.
 class ScriptWriter {
  public:
-  explicit ScriptWriter(Random& random) : random_(random) {}
+  enum class Oddities { kSome, kNone };
+  explicit ScriptWriter(Random& random, Oddities oddities = Oddities::kSome)
+      : random_(random), oddities_(oddities) {}
 
   /// Some SET statements and a main expression; statements end with a single carriage return.
   std::string script();
   std::string expression(int depth);
   /// A call of any function of the table.
   std::string call(int depth);
+  /// A call of this one, under a name of its.
+  std::string call(const FunctionRow& row, std::string_view name, int depth);
   /// A name of the language: of a function, a constant, a price.
   std::string word();
   std::string number();
@@ -30,7 +35,11 @@ class ScriptWriter {
   std::string whole(const Slot& slot);
   std::string series(int depth);
 
+  /// Now and then, when oddities are wanted at all.
+  bool odd(std::size_t oneIn) { return oddities_ == Oddities::kSome && random_.oneIn(oneIn); }
+
   Random& random_;
+  Oddities oddities_;
   int sets_ = 0;  ///< statements so far, whose names may be used
 };
 
