@@ -415,7 +415,8 @@ void AlertPlayer::refusals(Line& line) {
   bw_alert* h = handle_.get();
   const double row[] = {line.number(), 2, 3, 1, 2, line.number(), line.number()};
   const AlertHandle other(bw_alert_create());
-  bw_alert_append_records(other.get(), row, 1);
+  require(bw_alert_append_records(other.get(), row, 1) == (fitsVolume(row[5]) ? 0 : 1),
+          "alert: a volume beyond whole numbers is refused");
   const bool refused =
       bw_alert_append_records(nullptr, row, 1) == -1 && bw_alert_append_records(h, nullptr, 1) == -1 &&
       bw_alert_append_records(h, nullptr, 0) == 0 &&

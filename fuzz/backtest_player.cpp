@@ -161,7 +161,8 @@ void BacktestPlayer::refusals(Line& line) {
   bw_backtest* h = handle_.get();
   const double row[] = {line.number(), 2, 3, 1, 2, line.number()};
   const BacktestHandle other(bw_backtest_create());
-  bw_backtest_append_records(other.get(), row, 1);
+  require(bw_backtest_append_records(other.get(), row, 1) == (fitsVolume(row[5]) ? 0 : 1),
+          "backtest: a volume beyond whole numbers is refused");
   const bool refused =
       bw_backtest_append_records(nullptr, row, 1) == -1 && bw_backtest_append_records(h, nullptr, 1) == -1 &&
       bw_backtest_edit_record(h, 1, 1, 1, 1, 1, 1, nullptr) == -1 &&

@@ -90,9 +90,12 @@ double volume(int kind, std::size_t index, std::uint64_t bits) {
 
 }  // namespace
 
+bool fitsVolume(double volume) {
+  return volume > -2147483649.0 && volume < 2147483648.0;
+}
+
 std::int32_t volumeOf(const Row& row) {
-  const double v = row.volume;
-  return v > -2147483649.0 && v < 2147483648.0 ? static_cast<std::int32_t>(v) : 7;
+  return fitsVolume(row.volume) ? static_cast<std::int32_t>(row.volume) : 7;
 }
 
 Row makeRow(int shape, std::size_t index) {

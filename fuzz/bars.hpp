@@ -15,6 +15,8 @@ struct Row {
   double date, open, high, low, close, volume, lastTrade;
 };
 
+/// Whether the bulk calls take a volume: cut, it is a whole number of 32 bits.
+bool fitsVolume(double volume);
 /// The volume as the calls for one bar take it.
 std::int32_t volumeOf(const Row& row);
 

@@ -368,10 +368,12 @@ void OutputPlayer::dates(Line& line) {
 
 /// Null handles and null places for results are answered, and so are wild rows in bulk.
 void OutputPlayer::refusals(Line& line) {
+  require(bw_version() != nullptr, "the version is told");
   bw_script_output* h = handle_.get();
   const double row[] = {line.number(), line.number(), 3, 2, 1, kWildNumbers[line.choice(kWildCount)]};
   const OutputHandle other(bw_script_output_create());
-  bw_script_output_append_records(other.get(), row, 1);
+  require(bw_script_output_append_records(other.get(), row, 1) == (fitsVolume(row[5]) ? 0 : 1),
+          "output: a volume beyond whole numbers is refused");
   const bool refused = bw_script_output_append_records(nullptr, row, 1) == -1 &&
                        bw_script_output_append_records(h, nullptr, 1) == -1 &&
                        bw_script_output_append_records(h, nullptr, 0) == 0 &&
