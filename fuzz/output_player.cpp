@@ -315,7 +315,8 @@ void OutputPlayer::runPointers(Line& line) {
   livingRun([this, script, first, sets = line.text()](bw_script_output* h, Transcript& t) {
     intptr_t list = 0;
     t.integer(bw_script_output_get_script_output_ptr(h, script.c_str(), first, sets.c_str(), &list));
-    noteHelp(h, t);
+    // Without a script nothing is run, and the manual page is that of the run before.
+    if (!script.empty()) noteHelp(h, t);
     if (list == -1) return;
     const bw_series_list& shown = *reinterpret_cast<const bw_series_list*>(list);
     if (h == handle_.get()) list_ = &shown;
