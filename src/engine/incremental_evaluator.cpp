@@ -94,7 +94,7 @@ void CScriptEngine::noteEvaluation(Expression& expression, std::uint64_t effects
   repeats.times = repeats.run == runNumber_ && repeats.effects == effects ? repeats.times + 1 : 1;
   repeats.run = runNumber_;
   repeats.effects = effects;
-  repeats.levels = deepest_ - depth_ + 1;
+  repeats.levels = deepest_ - nesting_.depth + 1;
   repeats.calls = callsNoted_ != calls;
   repeats.lastCall = lastCall_.value_or(std::string_view());
 }
@@ -106,7 +106,7 @@ const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
     return nothing();
   }
   platform::spendSteps(kStepsOfEvaluation);
-  deepest_ = std::max(deepest_, depth_);
+  deepest_ = std::max(deepest_, nesting_.depth);
   StoreEntry* entry = entryOf(expression);
   if (!entry) return nothing();
   if (expression.isDirect) return *entry;
@@ -114,13 +114,13 @@ const StoreEntry& CScriptEngine::EvaluateFast(Expression& expression) {
   if (isItsOwnName(expression)) return *entry;
   if (onlyRepeats(expression)) {
     const Expression::Repeats& repeats = expression.repeats;
-    deepest_ = std::max(deepest_, depth_ + repeats.levels - 1);
+    deepest_ = std::max(deepest_, nesting_.depth + repeats.levels - 1);
     if (deepest_ > kMaxDepth) abortRun();
     if (repeats.calls) noteCall(repeats.lastCall);
     return *entry;
   }
   const std::uint64_t effects = effects_, calls = callsNoted_;
-  const int deepestOutside = std::exchange(deepest_, depth_);
+  const int deepestOutside = std::exchange(deepest_, nesting_.depth);
   Fold(*this, expression, *entry).run();
   if (!expression.setName.empty()) rememberFast(expression, *entry);
   noteEvaluation(expression, effects, calls);

@@ -241,7 +241,7 @@ class CScriptEngine {
   std::uint64_t callsNoted_ = 0;
   std::uint64_t effects_ = 0;   ///< events after which an evaluation may give something else than before
   bool repeatsAll_ = false;     ///< this run evaluates what would only repeat itself
-  int deepest_ = 0;             ///< greatest `depth_` within the evaluation that is under way
+  int deepest_ = 0;             ///< greatest `nesting_.depth` within the evaluation that is under way
   std::size_t datesTaken_ = 0;  ///< rows of the entry "DATE" that are filled
   std::array<const StoreEntry*, 5> priceEntries_{};
   std::uint64_t priceShape_ = 0;
