@@ -1,7 +1,10 @@
 #include "indicators/primes.hpp"
 
 #include <array>
+#include <bit>
 #include <limits>
+
+#include "platform/run_watch.hpp"
 
 namespace brindlewort {
 namespace {
@@ -9,39 +12,79 @@ namespace {
 using Unsigned = std::uint64_t;
 __extension__ using Wide = unsigned __int128;
 
-// The first twelve primes: together as witnesses they tell every composite below 3.3e24 from a prime.
-constexpr std::array<Unsigned, 12> kWitnesses = {2, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31, 37};
-// Below this the first four are enough, and products of two residues fit 64 bits.
-constexpr Unsigned kFourWitnessesSuffice = 3'215'031'751;
+/// A witness, and the least composite that it and those before it let pass.
+struct Witness {
+  Unsigned prime;
+  Unsigned decidesBelow;
+};
+// The first twelve primes together tell every composite below 3.3e24 from a prime.
+constexpr Unsigned kAll = std::numeric_limits<Unsigned>::max();
+constexpr std::array<Witness, 12> kWitnesses = {{{2, 2'047},
+                                                 {3, 1'373'653},
+                                                 {5, 25'326'001},
+                                                 {7, 3'215'031'751},
+                                                 {11, 2'152'302'898'747},
+                                                 {13, 3'474'749'660'383},
+                                                 {17, 341'550'071'728'321},
+                                                 {19, 341'550'071'728'321},
+                                                 {23, 3'825'123'056'546'413'051},
+                                                 {29, 3'825'123'056'546'413'051},
+                                                 {31, 3'825'123'056'546'413'051},
+                                                 {37, kAll}}};
 // What none of the twelve divides is prime below the square of the thirteenth.
 constexpr Unsigned kDivisionDecidesBelow = 41 * 41;
+// A test is as much work as so many additions.
+constexpr std::int64_t kStepsOfTest = 512;
 
-/// Whether one witness lets v = odd * 2^twos + 1 pass as a prime. `Product` holds the product of two
-/// residues.
-template <class Product>
-bool passes(Unsigned v, Unsigned witness, Unsigned odd, int twos) {
-  const auto times = [v](Unsigned a, Unsigned b) {
-    return static_cast<Unsigned>(static_cast<Product>(a) * b % v);
-  };
-  Unsigned power = 1;
-  for (Unsigned base = witness, exponent = odd; exponent != 0; exponent >>= 1, base = times(base, base)) {
-    if (exponent & 1) power = times(power, base);
+/// Products of residues modulo an odd number below 2^63, without a division: residues are kept multiplied by
+/// 2^64.
+class Residues {
+ public:
+  explicit Residues(Unsigned modulus) : modulus_(modulus) {
+    // Each step doubles the bits that are right.
+    Unsigned inverse = modulus;
+    for (int i = 0; i < 5; ++i) inverse *= 2 - modulus * inverse;
+    minusInverse_ = 0 - inverse;
+    one_ = (0 - modulus) % modulus;
+    square_ = static_cast<Unsigned>(static_cast<Wide>(one_) * one_ % modulus);
   }
-  if (power == 1 || power == v - 1) return true;
+  Unsigned one() const { return one_; }
+  Unsigned minusOne() const { return modulus_ - one_; }
+  Unsigned of(Unsigned number) const { return times(number, square_); }
+  Unsigned times(Unsigned a, Unsigned b) const {
+    const Wide product = static_cast<Wide>(a) * b;
+    const Wide multiple = static_cast<Wide>(static_cast<Unsigned>(product) * minusInverse_) * modulus_;
+    const auto reduced = static_cast<Unsigned>((product + multiple) >> 64);
+    return reduced >= modulus_ ? reduced - modulus_ : reduced;
+  }
+
+ private:
+  Unsigned modulus_, minusInverse_, one_, square_;
+};
+
+/// Whether one witness lets the modulus, odd * 2^twos + 1, pass as a prime.
+bool passes(const Residues& residues, Unsigned witness, Unsigned odd, int twos) {
+  Unsigned power = residues.one();
+  Unsigned base = residues.of(witness);
+  for (Unsigned exponent = odd; exponent != 0; exponent >>= 1) {
+    if (exponent & 1) power = residues.times(power, base);
+    base = residues.times(base, base);
+  }
+  if (power == residues.one() || power == residues.minusOne()) return true;
   for (int i = 1; i < twos; ++i) {
-    power = times(power, power);
-    if (power == v - 1) return true;
+    power = residues.times(power, power);
+    if (power == residues.minusOne()) return true;
   }
   return false;
 }
 
-template <class Product>
-bool allPass(Unsigned v, std::size_t witnesses) {
-  Unsigned odd = v - 1;
-  int twos = 0;
-  for (; odd % 2 == 0; odd /= 2) ++twos;
-  for (std::size_t i = 0; i < witnesses; ++i) {
-    if (!passes<Product>(v, kWitnesses[i], odd, twos)) return false;
+bool allPass(Unsigned v) {
+  platform::spendSteps(kStepsOfTest);
+  const int twos = std::countr_zero(v - 1);
+  const Residues residues(v);
+  for (const Witness& witness : kWitnesses) {
+    if (!passes(residues, witness.prime, (v - 1) >> twos, twos)) return false;
+    if (v < witness.decidesBelow) return true;
   }
   return true;
 }
@@ -51,11 +94,10 @@ bool allPass(Unsigned v, std::size_t witnesses) {
 bool isPrime(std::int64_t value) {
   if (value <= 3) return true;
   const auto v = static_cast<Unsigned>(value);
-  for (Unsigned divisor : kWitnesses) {
-    if (v % divisor == 0) return v == divisor;
+  for (const Witness& witness : kWitnesses) {
+    if (v % witness.prime == 0) return v == witness.prime;
   }
-  if (v < kDivisionDecidesBelow) return true;
-  return v < kFourWitnessesSuffice ? allPass<Unsigned>(v, 4) : allPass<Wide>(v, kWitnesses.size());
+  return v < kDivisionDecidesBelow || allPass(v);
 }
 
 std::int64_t primeAtOrBelow(std::int64_t v) {
