@@ -17,7 +17,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 /// The whole-history way knows functions that the incremental one does not have.
 bool computesWholeHistory(const std::string& script) {
   CScriptOutput component;
-  for (const Bar& bar : trialBars()) {
+  for (const Bar& bar : trialBars(kMostTrialBars)) {
     component.AppendRecord(bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice, bar.ClosePrice,
                            volumeToInt32(bar.Volume));
   }

@@ -23,10 +23,13 @@ inline constexpr std::int32_t kFillerBars = 2;
 /// Ends the command with a script's error and with what to do next.
 [[noreturn]] void failForScript(const std::string& error);
 
-/// Made-up bars, as many as any period of a script is likely to want.
-std::vector<Bar> trialBars();
+/// So many bars are more than any period that a script is likely to hold.
+inline constexpr std::int32_t kMostTrialBars = 20'000;
 
-/// What a script gives over these.
+/// Made-up bars.
+std::vector<Bar> trialBars(std::int32_t count);
+
+/// What a script gives over made-up bars.
 struct Trial {
   std::string error;                 ///< what it fails with; empty when it does not fail
   std::vector<std::string> columns;  ///< the names of its output series; of the incremental way only
