@@ -25,6 +25,13 @@
  * - Time zone: DATEPART and DATEDIFF alone depend on it. They count in the zone that the process has at the time of
  *   the call (on POSIX systems that of the last tzset); rows that are computed stay when it changes, and a new run of a
  *   script over all bars, or a new handle, takes the present one throughout.
+ *
+ * When memory runs out the status is 1, and the call has changed nothing: no bar is added or edited, no script set or
+ * prepared, also where it was the evaluation behind a change that lacked memory, and made again, the call gives what it
+ * would have given at once. Results are not written, save that a text is null. Runs tell it by the error event too
+ * ("Error: Out of memory."), where memory is left to do so, and leave no last run behind: get_series knows no name,
+ * get_script_help gives "". A single call takes less than 4 GB beside the bars; a script that asks for more ends with
+ * "Error: Script too complex.".
  */
 
 #include <stddef.h>
@@ -136,13 +143,13 @@ BW_API int32_t bw_script_output_update_basic_vector_data(bw_script_output* h, co
                                                          uint8_t add_or_update);
 /* Accepted; writes nothing. */
 BW_API int32_t bw_script_output_get_variable_values_log(bw_script_output* h, const char* path);
-/* Adds a bar, and a row to every series. Status 1 when memory runs out; no bar is added then. */
+/* Adds a bar, and a row to every series. */
 BW_API int32_t bw_script_output_append_record_new(bw_script_output* h, double jdate, double open_price,
                                                   double high_price, double low_price, double close_price,
                                                   int32_t volume);
 /* Replaces the first bar of exactly this date; the last row of every series takes its prices, whichever bar it is.
- * `result`: -1, or 0 when there is no such bar. Status 1, with the bar replaced, when a series of the host has no row
- * yet. */
+ * `result`: -1, or 0 when there is no such bar. Status 1 and `result` 0, with the bar replaced, when a series of the host
+ * has no row yet. */
 BW_API int32_t bw_script_output_edit_record_new(bw_script_output* h, double jdate, double open_price,
                                                 double high_price, double low_price, double close_price,
                                                 int32_t volume, int32_t* result);
@@ -321,13 +328,15 @@ BW_API int32_t bw_alert_evaluate(bw_alert* h, const char* script, int32_t* resul
  * then on set_alert_script evaluates on this way. */
 BW_API int32_t bw_alert_initialise_transient_store(bw_alert* h, int32_t variables_size);
 /* Prepares the script of the runs that follow. They begin when set_alert_script has been called as well. `result`:
- * 1, or 0, with status 1, when the script is refused. */
+ * 1, or 0, with status 1, when the script is refused (when memory runs out, `result` is not written). */
 BW_API int32_t bw_alert_process_scrip_data(bw_alert* h, const char* script, int32_t* result);
-/* Adds a bar to the bars of both ways and evaluates the prepared script, once there is an alert script. Status 1,
- * without an evaluation, when the series do not take the bar. */
+/* Adds a bar to the bars of both ways and evaluates the prepared script, once there is an alert script. A script that
+ * fails is told by the event alone. Status 1 when memory runs out, in the evaluation too: the bar is not added then. */
 BW_API int32_t bw_alert_append_record_opt(bw_alert* h, double jdate, double open_price, double high_price,
                                           double low_price, double close_price, int32_t volume,
                                           double last_trade_date);
+/* Replaces the first bar of exactly this date in both, and evaluates. `result`: -1, or 0 when there is none. Status 1 and
+ * `result` 0, with the bar replaced and without an evaluation, when the series have no row yet. */
 BW_API int32_t bw_alert_edit_record_opt(bw_alert* h, double jdate, double open_price, double high_price,
                                         double low_price, double close_price, int32_t volume,
                                         double last_trade_date, int32_t* result);

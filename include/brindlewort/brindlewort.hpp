@@ -12,8 +12,9 @@
 ///
 /// Member functions carry the host interface's own names. None throws for a script's sake: a script that
 /// fails is told to OnScriptError, and the call returns nothing. std::bad_alloc is thrown when memory runs
-/// out. One object is used by one thread at a time, but that Cancel may be called from any. What else holds for threads,
-/// stacks, floating point, locale and time zone stands at the head of brindlewort.h.
+/// out: the call has then changed nothing and can be made again. One object is used by one thread at a time, but that
+/// Cancel may be called from any. What else holds for threads, stacks, floating point, locale and time zone stands at
+/// the head of brindlewort.h.
 
 #include <cstddef>
 #include <cstdint>
@@ -86,6 +87,12 @@ using Handle = std::unique_ptr<T, Destroyer<T, destroy>>;
 /// The record calls fail for want of memory only.
 inline void Check(std::int32_t status) {
   if (status != 0) throw std::bad_alloc();
+}
+
+/// Where a refusal has the same status as a lack of memory, the result is written by the former only.
+inline constexpr std::int32_t kNotWritten = 2;
+inline void CheckWritten(std::int32_t result) {
+  if (result == kNotWritten) throw std::bad_alloc();
 }
 
 /// A text of the library as a string; nothing when the call returned none.
@@ -319,9 +326,10 @@ class CScriptOutput {
   /// same.
   std::optional<bool> EditRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice,
                                      double ClosePrice, std::int32_t Volume) {
-    std::int32_t found = 0;
+    std::int32_t found = detail::kNotWritten;
     const std::int32_t status = bw_script_output_edit_record_new(handle_.get(), JDate, OpenPrice, HighPrice,
                                                                  LowPrice, ClosePrice, Volume, &found);
+    detail::CheckWritten(found);
     return status == 0 ? std::optional<bool>(found != 0) : std::nullopt;
   }
   std::optional<bool> EditRecord_New(const Bar& bar) {
@@ -378,7 +386,7 @@ class CScriptOutput {
   std::optional<std::string> Answer(std::int32_t status, char* text) {
     std::optional<std::string> answer = Take(text);
     detail::Rethrow(listener_);
-    if (status != 0) return std::nullopt;
+    Check(status);
     return answer;
   }
 
@@ -494,7 +502,8 @@ class CBacktest {
                                           exitShort.c_str(), slip, rules.c_str(), &text);
     std::optional<std::string> answer = detail::Take(text);
     detail::Rethrow(listener_);
-    return status == 0 ? answer : std::nullopt;
+    Check(status);
+    return answer;
   }
 
   detail::Handle<bw_backtest, &bw_backtest_destroy> handle_;
@@ -621,25 +630,26 @@ class CAlert {
   }
   /// False when the script is refused.
   bool ProcessScripData(const std::string& script) {
-    std::int32_t prepared = 0;
+    std::int32_t prepared = detail::kNotWritten;
     bw_alert_process_scrip_data(handle_.get(), script.c_str(), &prepared);
+    detail::Rethrow(events_);
+    detail::CheckWritten(prepared);
     return prepared != 0;
   }
-  /// False, without an evaluation, when the series do not take the bar.
+  /// Always true: the series take every new bar.
   bool AppendRecord_Opt(const Bar& bar, double lastTradeDate) {
-    const std::int32_t status =
-        bw_alert_append_record_opt(handle_.get(), bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice,
-                                   bar.ClosePrice, bar.Volume, lastTradeDate);
-    detail::Rethrow(events_);
-    return status == 0;
+    Call(bw_alert_append_record_opt(handle_.get(), bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice,
+                                    bar.ClosePrice, bar.Volume, lastTradeDate));
+    return true;
   }
   /// False when no bar has this date; nothing, without an evaluation, when the series do not take the bar.
   std::optional<bool> EditRecord_Opt(const Bar& bar, double lastTradeDate) {
-    std::int32_t found = 0;
+    std::int32_t found = detail::kNotWritten;
     const std::int32_t status =
         bw_alert_edit_record_opt(handle_.get(), bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice,
                                  bar.ClosePrice, bar.Volume, lastTradeDate, &found);
     detail::Rethrow(events_);
+    detail::CheckWritten(found);
     return status == 0 ? std::optional<bool>(found != 0) : std::nullopt;
   }
   /// Accepted; writes nothing.

@@ -50,7 +50,7 @@ void CScriptEngine::abortRun() {
 
 ScriptVariable CScriptEngine::EvaluateExpression(std::string_view text) {
   const DepthGuard guard(nesting_);
-  if (guard.isTooDeep() || rowsHeld_ > kMaxRowsHeld) {
+  if (guard.isTooDeep() || rowsHeld_ > mostRowsHeld) {
     abortRun();
     return {};
   }

@@ -1,6 +1,7 @@
 // The driver of the incremental way: prepares scripts and runs what is prepared.
 
 #include <algorithm>
+#include <iterator>
 
 #include "engine/expression.hpp"
 #include "engine/program.hpp"
@@ -17,25 +18,30 @@ constexpr std::size_t kPriceVariables = 5;
 }  // namespace
 
 bool CScriptEngine::ProcessScripData(std::string_view script, std::string& error) {
+  Program program;
+  error = readProgram(script, Way::kIncremental, program);
+  for (std::string& statement : program.sets) statement = NormalizeScript(statement);
+  fastSeries.reserve(fastSeries.size() + program.sets.size());
+  settleRun();
   if (retrieveMode == kReplaceScript) {
-    preparedScript.clear();
-    fastSeries.clear();
     forgetExpressions();
     variables.keepIf([](std::size_t i, const StoreEntry& entry) {
       return i < kPriceVariables || entry.kind != kComputedVariable;
     });
+    preparedScript.clear();
+    fastSeries.clear();
   }
-  Program program;
-  error = readProgram(script, Way::kIncremental, program);
+  // From here on nothing fails.
+  takeProgram(program, Way::kIncremental);
   if (!error.empty()) return false;
-  for (const std::string& statement : program.sets) fastSeries.push_back(NormalizeScript(statement));
-  preparedScript = program.main;
+  std::move(program.sets.begin(), program.sets.end(), std::back_inserter(fastSeries));
+  preparedScript.swap(program.main);
   prepared_.clear();
   return true;
 }
 
 /// Everything that points to entries is made anew with the next run.
-void CScriptEngine::forgetExpressions() {
+void CScriptEngine::forgetExpressions() noexcept {
   expressions_.reset();
   prepared_.clear();
   workSeries_.forget();
@@ -44,7 +50,23 @@ void CScriptEngine::forgetExpressions() {
   lastCall_.reset();
 }
 
+void CScriptEngine::takeBackRun() noexcept {
+  // All that an evaluation remembers can be found again: only the entries hold what the next run goes on
+  // from.
+  forgetExpressions();
+  if (undo_.takeBack(variables)) {
+    windowLength = runStart_.windowLength;
+    candlePattern = runStart_.candlePattern;
+    patternKnown_ = runStart_.patternKnown;
+  }
+  wholeHistory = false;
+  errorText.clear();
+  currentFunction.clear();
+}
+
 std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
+  undo_.begin(variables);
+  runStart_ = {windowLength, candlePattern, patternKnown_};
   errorText.clear();
   aborted_ = false;
   dryRun = dryRun_;
@@ -59,7 +81,8 @@ std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
   windowLength = rows;
   wholeHistory = true;
   workSeries_.setRows(bars.size());
-  variables.setLimit(reservedEntries_);
+  variables.setLimit(
+      std::min<std::size_t>(reservedEntries_, mostRowsHeld / std::max<std::size_t>(bars.size(), 1)));
 
   std::string text;
   const std::int32_t runs = rowScan ? rows - std::min(lookback, rows) : 1;

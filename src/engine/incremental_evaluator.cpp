@@ -195,6 +195,7 @@ void CScriptEngine::copyToVariable(const Expression& statement, const StoreEntry
   const std::size_t rows = static_cast<std::size_t>(std::max(windowLength, 0));
   std::size_t from = 0;
   const std::size_t before = variable.values.size();
+  if (variable.kind == kDataVariable) undo_.keepSeries(variable);
   if (before == 0 && !variable.isConstant) variable.slot = -1;
   if (before < rows && (before > 0 || !variable.isConstant)) variable.values.resize(rows, NULL_VALUE);
   if (before > 0 && statement.variable == &variable && statement.variableRows > 0) {

@@ -45,6 +45,15 @@ StoreEntry* dataNamed(VariableStore& variables, std::string_view name) {
   return nullptr;
 }
 
+/// Bars add no rows to numbers, nor to what has none.
+bool takesBars(const StoreEntry& entry) {
+  return !entry.hasNumberName && (entry.kind == kDataVariable || !entry.values.empty());
+}
+
+bool takesLevel(const StoreEntry& entry, double value) {
+  return entry.kind == kDataVariable && value > 0.0 && !entry.values.empty() && entry.values[0] <= 0.0;
+}
+
 void setLast(Series& series, double value) {
   if (!series.empty()) series.set(series.size() - 1, value);
 }
@@ -52,19 +61,25 @@ void setLast(Series& series, double value) {
 }  // namespace
 
 void CScriptEngine::InitialiseTransientStore(std::int32_t variablesSize) {
-  forgetExpressions();
-  ResetConstants();
   static constexpr std::array<std::string_view, 6> kFields = {kDateField, kOpenField,  kHighField,
                                                               kLowField,  kCloseField, kVolumeField};
-  fields.reserve(kFields.size());
-  for (std::string_view name : kFields) CFeedkit::addField(fields, name, -1);
-  reservedEntries_ = static_cast<std::size_t>(variablesSize < kFewestEntries ? kUsualEntries : variablesSize);
+  std::vector<Field> priceFields;
+  priceFields.reserve(kFields.size());
+  for (std::string_view name : kFields) CFeedkit::addField(priceFields, name, -1);
+  VariableStore prices;
   for (const PriceColumn& price : kPrices) {
-    variables.append({std::string(price.variable), 0.0, {}, -1, kDataVariable});
+    prices.append({std::string(price.variable), 0.0, {}, -1, kDataVariable});
   }
+  ResetConstants();
+  settleRun();
+  forgetExpressions();
+  fields.swap(priceFields);
+  variables.adopt(std::move(prices));
+  reservedEntries_ = static_cast<std::size_t>(variablesSize < kFewestEntries ? kUsualEntries : variablesSize);
 }
 
 void CScriptEngine::ClearIncremental() {
+  settleRun();
   forgetExpressions();
   preparedScript.clear();
   fastSeries.clear();
@@ -75,21 +90,30 @@ void CScriptEngine::ClearIncremental() {
   reservedEntries_ = 0;
 }
 
-std::int32_t CScriptEngine::ApplyBarChange(const Bar& bar, std::int32_t mode) {
+std::int32_t CScriptEngine::ApplyBarChange(const Bar& bar, std::int32_t mode, BarUndo* undo) {
+  if (mode != kNewBar && mode != kChangedLastBar) return -1;
+  settleRun();
+  makeRowsReady(bar, mode, undo);
   if (mode == kChangedLastBar) return changeLastRow(bar);
-  if (mode != kNewBar) return -1;
-  const std::size_t dates = fields.empty() ? 0 : fields[0].values.size();
-  std::size_t done = 0;
-  try {
-    if (!fields.empty()) fields[0].values.push_back(bar.JDate);
-    for (; done < variables.size(); ++done) addRow(done, bar);
-  } catch (...) {
-    // No series keeps a row that another has no room for.
-    if (!fields.empty()) fields[0].values.resize(dates, 0.0);
-    for (std::size_t i = 0; i < done; ++i) dropRow(i);
-    throw;
-  }
+  addRows(bar);
   return 0;
+}
+
+void CScriptEngine::takeBackBar(BarUndo& undo) noexcept {
+  undo.takeBack(variables, fields);
+}
+
+/// Does all for which memory can run out, so that no series gets a row for which another has no room.
+void CScriptEngine::makeRowsReady(const Bar& bar, std::int32_t mode, BarUndo* undo) {
+  const auto makeReady = [mode](Series& rows) { mode == kNewBar ? rows.reserveRow() : void(rows.edit()); };
+  for (Field& field : fields) makeReady(field.values);
+  if (undo) undo->begin(variables, fields);
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    StoreEntry& entry = variables[i];
+    if (!takesBars(entry)) continue;
+    makeReady(entry.values);
+    if (undo && takesLevel(entry, priceOf(entry.name, bar))) undo->keepSeries(i, entry.values);
+  }
 }
 
 /// The first variables stand beside the price fields, and feed them.
@@ -97,31 +121,17 @@ Series* CScriptEngine::fieldBeside(std::size_t variable) {
   return variable < kPrices.size() && variable + 1 < fields.size() ? &fields[variable + 1].values : nullptr;
 }
 
-void CScriptEngine::addRow(std::size_t i, const Bar& bar) {
-  StoreEntry& entry = variables[i];
-  const bool isData = entry.kind == kDataVariable;
-  if (entry.hasNumberName || (entry.values.empty() && !isData)) return;
-  const double value = priceOf(entry.name, bar);
-  if (isData) takeLevel(entry, value);
-  if (Series* field = fieldBeside(i)) {
-    field->push_back(value);
-    try {
-      entry.values.push_back(value);
-    } catch (...) {
-      field->pop_back();
-      throw;
-    }
-  } else {
+void CScriptEngine::addRows(const Bar& bar) {
+  if (!fields.empty()) fields[0].values.push_back(bar.JDate);
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    StoreEntry& entry = variables[i];
+    if (!takesBars(entry)) continue;
+    const double value = priceOf(entry.name, bar);
+    if (entry.kind == kDataVariable) takeLevel(entry, value);
+    if (Series* field = fieldBeside(i)) field->push_back(value);
     entry.values.push_back(value);
+    entry.value = value;
   }
-  entry.value = value;
-}
-
-/// Takes back what addRow() has done.
-void CScriptEngine::dropRow(std::size_t i) {
-  if (variables[i].hasNumberName || variables[i].values.empty()) return;
-  variables[i].values.pop_back();
-  if (Series* field = fieldBeside(i)) field->pop_back();
 }
 
 std::int32_t CScriptEngine::changeLastRow(const Bar& bar) {
@@ -145,7 +155,7 @@ std::int32_t CScriptEngine::changeLastRow(const Bar& bar) {
 /// series of the host may be shorter than the others, so that its last row counts as changed in any case.
 void CScriptEngine::takeLevel(StoreEntry& entry, double value) {
   const std::size_t rows = entry.values.size();
-  if (value > 0.0 && rows > 0 && entry.values[0] <= 0.0) {
+  if (takesLevel(entry, value)) {
     entry.values.assign(rows, value);
     noteChange(entry, 0);
   }
@@ -176,6 +186,8 @@ void CScriptEngine::UpdateBasicVectorData(std::string_view name, double value, s
   if (!entry || (addOrUpdate != kAdd && addOrUpdate != kUpdate)) return;
   Series& rows = entry->values;
   const std::size_t before = rows.size();
+  settleRun();
+  addOrUpdate == kAdd ? rows.reserveRow() : void(rows.edit());  // behind this nothing fails
   takeLevel(*entry, value);
   if (addOrUpdate == kAdd) {
     if (isNull(value) && before > 0) value = rows.back();

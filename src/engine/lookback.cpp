@@ -80,7 +80,7 @@ std::int32_t lookbackOf(std::string_view script, double times) {
 
 }  // namespace
 
-std::int32_t CScriptEngine::EstimateLookback(std::string_view script) {
+std::int32_t CScriptEngine::EstimateLookback(std::string_view script) const {
   return dryRun ? 3333 : lookbackOf(script, 2.0);
 }
 

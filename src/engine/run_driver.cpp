@@ -50,7 +50,7 @@ CScriptEngine::~CScriptEngine() = default;
 
 /// Takes the statements SET EXCHANGE, SECTOR, INDUSTRY and SYMBOL off the head of the script: all up to the
 /// line break behind the last of them is the source part, which never reaches the evaluator.
-void CScriptEngine::readSourceStatements(std::string& script) {
+void CScriptEngine::readSourceStatements(std::string& script, Program& program) {
   static constexpr std::array<std::string_view, 4> kStatements = {"SET EXCHANGE", "SET SECTOR",
                                                                   "SET INDUSTRY", "SET SYMBOL"};
   std::size_t greatest = std::string::npos;
@@ -68,8 +68,8 @@ void CScriptEngine::readSourceStatements(std::string& script) {
     std::string& value;
   };
   std::string endMark;
-  for (const Key& key : {Key{"EXCHANGE=", exchange}, Key{"SECTOR=", sector}, Key{"INDUSTRY=", industry},
-                         Key{"SYMBOL=", symbol}}) {
+  for (const Key& key : {Key{"EXCHANGE=", program.exchange}, Key{"SECTOR=", program.sector},
+                         Key{"INDUSTRY=", program.industry}, Key{"SYMBOL=", program.symbol}}) {
     const std::size_t at = meta.find(key.text);
     if (at == std::string::npos) continue;
     const std::size_t from = at + key.text.size();
@@ -81,7 +81,7 @@ void CScriptEngine::readSourceStatements(std::string& script) {
       endMark = key.value;
     }
   }
-  for (std::string* value : {&exchange, &sector, &industry, &symbol}) {
+  for (std::string* value : {&program.exchange, &program.sector, &program.industry, &program.symbol}) {
     *value = replaceAll(*value, kLineBreak, "");
   }
   if (endMark.empty()) return;
@@ -94,28 +94,17 @@ void CScriptEngine::readSourceStatements(std::string& script) {
 /// Reads a script up to the point where it is one list of statements and one expression. The answer is what
 /// is wrong with it, or empty. As long as the letters "SET" stand anywhere in the rest, a further line is
 /// taken off as a statement.
-std::string CScriptEngine::readProgram(std::string_view hostScript, Way way, Program& program) {
-  candlePattern = -1;
-  patternKnown_ = false;
+std::string CScriptEngine::readProgram(std::string_view hostScript, Way way, Program& program) const {
   std::string script = replaceTabsAndDoubleBlanks(upperCase(hostScript));
   if (script.empty()) return "Error: Missing script";
   if (script.size() > kLongestScript) return "Error: Script too large";
-  for (std::string* text :
-       {&abortMark, &errorText, &exchange, &sector, &industry, &symbol, &currentFunction}) {
-    text->clear();
-  }
-  if (way == Way::kWholeHistory) {
-    windowLength = EstimateLookback(script);
-    variables.clear();
-    wholeHistory = true;
-  } else {
-    windowLength = EstimateLookbackFast(script);
-  }
+  program.isScript = true;
+  program.lookback = way == Way::kWholeHistory ? EstimateLookback(script) : EstimateLookbackFast(script);
   script = replaceTabsAndDoubleBlanks(withoutComments(script));
   script = replaceAll(script, "\r\n\r\n", kLineBreak);
   if (script.empty()) return "Error: No script!";
-  scriptText_ = script;
-  readSourceStatements(script);
+  program.text = script;
+  readSourceStatements(script, program);
 
   const std::size_t lastSet = script.rfind("SET");
   std::size_t at = 0;
@@ -129,12 +118,31 @@ std::string CScriptEngine::readProgram(std::string_view hostScript, Way way, Pro
   return {};
 }
 
+/// The engine's state becomes that before the first evaluation of the script.
+void CScriptEngine::takeProgram(Program& program, Way way) noexcept {
+  candlePattern = -1;
+  patternKnown_ = false;
+  if (!program.isScript) return;
+  for (std::string* text : {&abortMark, &errorText, &currentFunction}) text->clear();
+  exchange.swap(program.exchange);
+  sector.swap(program.sector);
+  industry.swap(program.industry);
+  symbol.swap(program.symbol);
+  if (!program.text.empty()) scriptText_.swap(program.text);
+  windowLength = program.lookback;
+  if (way == Way::kIncremental) return;
+  variables.clear();
+  wholeHistory = true;
+}
+
 std::string CScriptEngine::RunScript(std::string_view script, bool rowScan, bool dryRun_) {
   dryRun = dryRun_;
   aborted_ = false;
   rowsHeld_ = 0;
   Program program;
-  if (std::string error = readProgram(script, Way::kWholeHistory, program); !error.empty()) return error;
+  const std::string error = readProgram(script, Way::kWholeHistory, program);
+  takeProgram(program, Way::kWholeHistory);
+  if (!error.empty()) return error;
 
   paddedData = false;
   if (static_cast<std::size_t>(windowLength) > bars.size()) {

@@ -75,14 +75,18 @@ constexpr NamedConstant kConstants[] = {
 
 }  // namespace
 
+/// The table of constants never changes once it is made.
 void CScriptEngine::ResetConstants() {
+  if (constants.empty()) {
+    VariableStore table;
+    for (const NamedConstant& constant : kConstants) {
+      table.append({std::string(constant.name), constant.value, {}, -1, kComputedVariable});
+    }
+    constants.adopt(std::move(table));
+  }
   variables.clear();
   fields.clear();
   result.values.clear();
-  constants.clear();
-  for (const NamedConstant& constant : kConstants) {
-    constants.append({std::string(constant.name), constant.value, {}, -1, kComputedVariable});
-  }
 }
 
 ScriptVariable CScriptEngine::LookupVariable(std::string_view name) {

@@ -69,6 +69,7 @@ ScriptVariable CScriptEngine::EvaluateFunction(std::string_view name, std::strin
       working.values.resize(rows, 0.0);
     }
   }
+  if (working.values.unique()) rowsHeld_ += working.values.size();
   RememberVariable(working.name, working);
   return working;
 }

@@ -29,15 +29,11 @@ struct EntryBinder {
 
 /// The first row that an operation may have written which found `slot` rows computed.
 std::size_t firstRewritten(const FunctionRow& row, const CallSite& site, std::int32_t slot) {
-  if (slot <= 0 || row.rewrites == Rewrites::kAll) return 0;
-  // The last row computed, and two more: a restart may begin a little earlier than the slot says.
-  std::size_t back = 3;
-  if (row.rewrites == Rewrites::kPeriods) {
-    const double greatest = *std::max_element(site.numbers.begin(), site.numbers.end());
-    back += static_cast<std::size_t>(std::clamp(greatest, 0.0, 1e9));
-  }
-  const std::size_t rows = static_cast<std::size_t>(slot);
-  return rows > back ? rows - back : 0;
+  if (row.rewrites == Rewrites::kAll) return 0;
+  const std::size_t rows = firstRecomputed(slot);
+  if (row.rewrites != Rewrites::kPeriods) return rows;
+  const double greatest = *std::max_element(site.numbers.begin(), site.numbers.end());
+  return rows - std::min(rows, static_cast<std::size_t>(std::clamp(greatest, 0.0, 1e9)));
 }
 
 std::string callKey(std::string_view name, std::string_view innerText) {
@@ -85,12 +81,13 @@ StoreEntry* CScriptEngine::AddStoreEntry(std::string_view name) {
   }
   std::string key(name);
   NormalizeKey(key);
-  StoreEntry& entry = variables[variables.append({std::move(key), 0.0, {}, -1, kComputedVariable})];
-  if (entry.hasNumberName) {
+  const bool isNumber = IsNumberText(key);
+  ScriptVariable fresh{std::move(key), 0.0, {}, -1, kComputedVariable};
+  if (!isNumber) fresh.values.assign(static_cast<std::size_t>(std::max(windowLength, 0)), 0.0);
+  StoreEntry& entry = variables[variables.append(std::move(fresh))];
+  if (isNumber) {
     entry.isConstant = true;
     entry.value = parseDouble(entry.name);
-  } else {
-    entry.values.assign(static_cast<std::size_t>(std::max(windowLength, 0)), 0.0);
   }
   return &entry;
 }
@@ -190,6 +187,7 @@ bool CScriptEngine::bindCall(CallSite& site) {
 bool CScriptEngine::runCall(CallSite& site, StoreEntry& result) {
   const FunctionRow& row = *site.function.row;
   site.changedFrom = firstRewritten(row, site, result.slot);
+  undo_.keepRows(result, row.rewrites == Rewrites::kAll ? result.values.size() : site.changedFrom);
   if (result.slot == -1) platform::spendSteps(windowLength);
   if (!row.settles) ++effects_;
   workSeries_.askFor(site.work);
@@ -199,7 +197,7 @@ bool CScriptEngine::runCall(CallSite& site, StoreEntry& result) {
     const IncrementalArguments arguments{workSeries_, site, prices, site.function.output, result.name};
     row.incremental(arguments, {result.values.edit(), &result.slot});
     return true;
-  } catch (...) {
+  } catch (const platform::RunStopped&) {
     result.values.clear();
     site.work.restart();
     throw;

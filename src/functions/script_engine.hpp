@@ -11,6 +11,7 @@
 
 #include "functions/call_site.hpp"
 #include "functions/transient_store.hpp"
+#include "functions/undo.hpp"
 #include "functions/variable_store.hpp"
 #include "indicators/frame.hpp"
 #include "platform/run_watch.hpp"
@@ -22,6 +23,10 @@ namespace brindlewort {
 
 class ExpressionTable;
 struct Term;
+
+/// More rows than this in the store of variables (1.6 GB) end the run. Where series grow bar by bar, they end
+/// the run that wants one more.
+inline constexpr std::uint64_t kMaxRowsHeld = 200'000'000;
 
 /// Evaluations inside one another, and how far down the stack they may go.
 struct Nesting {
@@ -51,7 +56,7 @@ class CScriptEngine {
   std::string RunScript(std::string_view script, bool rowScan, bool dryRun);
   /// Bars that a script asks for: twice the greatest number between brackets (9,999 at most, 5 at least),
   /// plus 2. Numbers that are no periods, as in IF or LOOP, do not count. 3,333 in a dry run.
-  std::int32_t EstimateLookback(std::string_view script);
+  std::int32_t EstimateLookback(std::string_view script) const;
   /// Fills `fields` and the price variables from the bars up to `row`. False when there is none.
   bool BuildPriceFields(std::size_t row);
   void ResetConstants();
@@ -73,6 +78,8 @@ class CScriptEngine {
 
   // ---- The incremental way: the engine stays alive, a script is prepared once, and each new bar becomes one
   // new row of every series. ----
+  // Each of these leaves the engine as it was when memory runs out; RunFast() with the help of takeBackRun().
+
   /// Sets the engine up, before its first bar: empties the stores, makes the price variables, and allows as
   /// many entries as asked for (250 when that is below 10).
   void InitialiseTransientStore(std::int32_t variablesSize);
@@ -86,11 +93,18 @@ class CScriptEngine {
   /// Adds a row to such a series (11) or changes its last row (22); other numbers do nothing.
   void UpdateBasicVectorData(std::string_view name, double value, std::uint8_t addOrUpdate);
   enum BarChange : std::int32_t { kNewBar = 1, kChangedLastBar = 2 };
-  /// Takes a bar into the series. 0, or -1 when a series of the host has no row to change. All rows stay as
-  /// they were when memory runs out.
-  std::int32_t ApplyBarChange(const Bar& bar, std::int32_t mode);
+  /// Takes a bar into the series. 0, or -1 when a series of the host has no row to change. With `undo` the
+  /// bar can be taken back.
+  std::int32_t ApplyBarChange(const Bar& bar, std::int32_t mode, BarUndo* undo = nullptr);
+  /// Takes back what the last ApplyBarChange() has done that had this `undo`, and no other change since but
+  /// runs that were taken back.
+  void takeBackBar(BarUndo& undo) noexcept;
   /// Runs the prepared script over `bars`; the result is that of RunScript().
   std::string RunFast(bool rowScan, bool dryRun);
+  /// The last run has never been: for when memory ran out in it, or in what was made of it. No other call may
+  /// stand in between, and nothing is done behind settleRun().
+  void takeBackRun() noexcept;
+  void settleRun() noexcept { undo_.settle(); }
   /// Drops all data and the script; the engine must be set up anew.
   void ClearIncremental();
   /// Bars that a script asks for on this way: the estimate without doubling.
@@ -172,6 +186,7 @@ class CScriptEngine {
   std::int32_t candlePattern = -1;  ///< the pattern named in "CSP() = ...", -1 for none
   bool eventListMode = false;       ///< the output is the list of event rows
   ScriptVariable result;            ///< of the last main expression
+  std::uint64_t mostRowsHeld = kMaxRowsHeld;
 
   // Of the incremental way.
   static constexpr std::int32_t kKeepScripts = 101;  ///< a further preparation adds its statements
@@ -193,11 +208,12 @@ class CScriptEngine {
   void resolvePattern();
   void evaluateStatements(const std::vector<std::string>& sets, const std::string& main,
                           std::string& resultText);
-  void readSourceStatements(std::string& script);
-  std::array<Series, 6> priceColumns(std::size_t rows) const;
   struct Program;
+  static void readSourceStatements(std::string& script, Program& program);
+  std::array<Series, 6> priceColumns(std::size_t rows) const;
   enum class Way { kWholeHistory, kIncremental };
-  std::string readProgram(std::string_view script, Way way, Program& program);
+  std::string readProgram(std::string_view script, Way way, Program& program) const;
+  void takeProgram(Program& program, Way way) noexcept;
   void runProgram(const Program& program, bool rowScan, std::string& resultText);
 
   friend class Fold;
@@ -214,10 +230,10 @@ class CScriptEngine {
   StoreEntry* dateEntry();
   void rememberFast(Expression& statement, const StoreEntry& value);
   void copyToVariable(const Expression& statement, const StoreEntry& value, StoreEntry& variable);
-  void forgetExpressions();
+  void forgetExpressions() noexcept;
+  void makeRowsReady(const Bar& bar, std::int32_t mode, BarUndo* undo);
+  void addRows(const Bar& bar);
   std::int32_t changeLastRow(const Bar& bar);
-  void addRow(std::size_t variable, const Bar& bar);
-  void dropRow(std::size_t variable);
   Series* fieldBeside(std::size_t variable);
   void takeLevel(StoreEntry& entry, double value);
   void evaluateArgumentsFast(CallSite& site);
@@ -229,11 +245,18 @@ class CScriptEngine {
   std::array<Series, 6> columns_;  ///< of the bars, while they stand
   Series zeros_;
   Nesting nesting_;
-  std::uint64_t rowsHeld_ = 0;  ///< rows of all entries that this run has made
+  std::uint64_t rowsHeld_ = 0;  ///< rows of all results that this run has made
   bool aborted_ = false;
 
   std::unique_ptr<ExpressionTable> expressions_;
-  TransientStore workSeries_{variables};
+  RunUndo undo_;
+  TransientStore workSeries_{variables, 0, &undo_};
+  struct RunStart {
+    std::int32_t windowLength = 0;
+    std::int32_t candlePattern = -1;
+    bool patternKnown = false;
+  };
+  RunStart runStart_;         ///< what the last run found
   std::uint64_t moment_ = 0;  ///< of the last change of an entry's rows
   std::uint64_t runNumber_ = 0;
   /// The name in front of the bracket that the run has read last; empty for a group, none before any.
@@ -256,11 +279,10 @@ inline constexpr int kMaxDepth = 1000;
 inline constexpr std::size_t kMaxVariables = 500;
 /// Room that is reserved at once for a series of the host.
 inline constexpr std::size_t kMostReservedRows = std::size_t{1} << 20;
-/// More rows than this in the store of variables (8 GiB) end the run.
-inline constexpr std::uint64_t kMaxRowsHeld = std::uint64_t{1} << 30;
 
 inline constexpr std::string_view kTooComplex = "Error: Script too complex.";
 inline constexpr std::string_view kCancelled = "Error: The script was cancelled.";
+inline constexpr std::string_view kOutOfMemory = "Error: Out of memory.";
 inline constexpr std::string_view kNotEnoughData = "Error: Not enough data available to run script";
 
 }  // namespace brindlewort

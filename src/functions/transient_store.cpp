@@ -77,8 +77,10 @@ WorkField TransientStore::field(std::string_view name, std::initializer_list<Key
       entry = &spare_.emplace_back();
       entry->name = name;
       entry->values.assign(rows_, NULL_VALUE);
+      return {entry->values.edit(), &entry->slot, entry->name};
     }
   }
+  if (undo_) undo_->keepRows(*entry, firstRecomputed(entry->slot));
   return {entry->values.edit(), &entry->slot, entry->name};
 }
 

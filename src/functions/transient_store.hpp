@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "functions/undo.hpp"
 #include "functions/variable_store.hpp"
 #include "indicators/frame.hpp"
 
@@ -45,9 +46,9 @@ class FieldMemo {
 /// this object, and exhausted() tells.
 class TransientStore : public WorkStore {
  public:
-  /// Over the variables of an engine whose series have `rows` rows.
-  explicit TransientStore(VariableStore& variables, std::size_t rows = 0)
-      : variables_(variables), rows_(rows) {}
+  /// Over the variables of an engine whose series have `rows` rows. What is written over is kept in `undo`.
+  explicit TransientStore(VariableStore& variables, std::size_t rows = 0, RunUndo* undo = nullptr)
+      : variables_(variables), rows_(rows), undo_(undo) {}
   TransientStore(const TransientStore&) = delete;
 
   /// The number of the entry in the variables, made when it is absent with `size` null rows (0: as many as
@@ -73,6 +74,7 @@ class TransientStore : public WorkStore {
  private:
   VariableStore& variables_;
   std::size_t rows_;
+  RunUndo* undo_;
   FieldMemo own_;
   FieldMemo* memo_ = &own_;
   std::deque<StoreEntry> spare_;

@@ -9,12 +9,33 @@ namespace brindlewort {
 
 std::size_t VariableStore::append(ScriptVariable variable) {
   const std::size_t i = entries_.size();
-  first_.try_emplace(variable.name, i);
-  entries_.emplace_back();
-  static_cast<ScriptVariable&>(entries_.back()) = std::move(variable);
-  entries_.back().hasNumberName = IsNumberText(entries_.back().name);
+  StoreEntry& entry = entries_.emplace_back();
+  static_cast<ScriptVariable&>(entry) = std::move(variable);
+  entry.hasNumberName = IsNumberText(entry.name);
+  try {
+    first_.try_emplace(entry.name, i);
+  } catch (...) {
+    entries_.pop_back();
+    throw;
+  }
   ++shape_;
   return i;
+}
+
+void VariableStore::truncate(std::size_t size) noexcept {
+  if (entries_.size() <= size) return;
+  while (entries_.size() > size) {
+    const auto at = first_.find(entries_.back().name);
+    if (at != first_.end() && at->second == entries_.size() - 1) first_.erase(at);
+    entries_.pop_back();
+  }
+  ++shape_;
+}
+
+void VariableStore::adopt(VariableStore&& other) noexcept {
+  clear();
+  entries_.swap(other.entries_);
+  first_.swap(other.first_);
 }
 
 void VariableStore::rename(std::size_t i, std::string name) {
@@ -42,13 +63,17 @@ void VariableStore::clear() {
 }
 
 void VariableStore::keepIf(const std::function<bool(std::size_t, const StoreEntry&)>& keep) {
-  std::deque<StoreEntry> kept;
+  std::vector<StoreEntry*> wanted;
+  VariableStore kept;
   for (std::size_t i = 0; i < entries_.size(); ++i) {
-    if (keep(i, entries_[i])) kept.push_back(std::move(entries_[i]));
+    if (!keep(i, entries_[i])) continue;
+    kept.first_.try_emplace(entries_[i].name, wanted.size());
+    wanted.push_back(&entries_[i]);
   }
-  clear();
-  entries_ = std::move(kept);
-  for (std::size_t i = 0; i < entries_.size(); ++i) first_.try_emplace(entries_[i].name, i);
+  kept.entries_.resize(wanted.size());
+  // Moving needs no memory.
+  for (std::size_t i = 0; i < wanted.size(); ++i) kept.entries_[i] = std::move(*wanted[i]);
+  adopt(std::move(kept));
 }
 
 std::ptrdiff_t VariableStore::find(std::string_view name) const {

@@ -39,9 +39,14 @@ class VariableStore {
   /// For changing value, values, slot and kind. Names change by rename() only.
   StoreEntry& operator[](std::size_t i) { return entries_[i]; }
 
+  // The store is as it was when memory runs out in append() or keepIf().
   std::size_t append(ScriptVariable variable);
   void rename(std::size_t i, std::string name);
   void clear();
+  /// Takes the entries from the `size`-th on away.
+  void truncate(std::size_t size) noexcept;
+  /// Has the entries of another store instead of its own; the limit stays.
+  void adopt(VariableStore&& other) noexcept;
   /// Keeps the entries for which `keep(index, entry)` is true, in their order; all may move.
   void keepIf(const std::function<bool(std::size_t, const StoreEntry&)>& keep);
 

@@ -7,8 +7,9 @@
 namespace brindlewort {
 
 void BarStore::AppendRecord(const Bar& bar) {
-  rising_ = rising_ && (bars_.empty() || bar.JDate > bars_.back().JDate) && bar.JDate == bar.JDate;
+  const bool rising = (bars_.empty() || bar.JDate > bars_.back().JDate) && bar.JDate == bar.JDate;
   bars_.push_back(bar);
+  rising_ = rising_ && rising;
 }
 
 void BarStore::ClearRecords() {

@@ -27,8 +27,8 @@ class BarStore {
   static constexpr std::ptrdiff_t kNotFound = -1;
 
   void AppendRecord(const Bar& bar);
-  /// Takes the last bar away again.
-  void dropLast() { bars_.pop_back(); }
+  /// Takes the bars from this row on away again.
+  void dropFrom(std::size_t row) { bars_.resize(row); }
   /// Replaces the whole first bar of this date. False when there is none.
   bool EditRecord(const Bar& bar);
   /// Changes only the date of the first bar of date `oldDate`; later rows do not move.

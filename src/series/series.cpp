@@ -12,6 +12,8 @@ namespace {
 
 /// Smaller buffers are left to the allocator, which is quick with them.
 constexpr std::size_t kPooledCapacity = 4096;
+/// What is freed beyond so many rows goes back to the system.
+constexpr std::size_t kMostPooledRows = std::size_t{1} << 26;
 /// A buffer with more room than this many times what is wanted stays in the pool.
 constexpr std::size_t kMostSlack = 2;
 
@@ -31,6 +33,7 @@ SeriesPool::Scope::~Scope() {
 void SeriesPool::trim() {
   for (const Kept& kept : kept_) ::operator delete(kept.memory, kAlignment);
   kept_.clear();
+  rows_ = 0;
 }
 
 Series::Buffer* Series::allocate(std::size_t capacity) {
@@ -44,6 +47,7 @@ Series::Buffer* Series::allocate(std::size_t capacity) {
       if (kept[i].capacity < capacity || kept[i].capacity / kMostSlack > capacity) continue;
       const SeriesPool::Kept found = std::exchange(kept[i], kept.back());
       kept.pop_back();
+      presentPool->rows_ -= found.capacity;
       return new (found.memory) Buffer{0, found.capacity, 1};
     }
   }
@@ -51,9 +55,11 @@ Series::Buffer* Series::allocate(std::size_t capacity) {
 }
 
 void Series::free(Buffer* buffer) {
-  if (presentPool && buffer->capacity >= kPooledCapacity) {
+  if (presentPool && buffer->capacity >= kPooledCapacity &&
+      presentPool->rows_ + buffer->capacity <= kMostPooledRows) {
     try {
       presentPool->kept_.push_back({buffer, buffer->capacity});
+      presentPool->rows_ += buffer->capacity;
       return;
     } catch (const std::bad_alloc&) {
       // no room to note it

@@ -13,7 +13,7 @@ using Out = std::span<double>;
 
 /// Keeps the buffers of large series that are no longer needed for those that are made next: fresh memory
 /// costs a page fault every few hundred rows. Buffers come and go through it while a Scope of it is alive on
-/// the thread; the pool must outlive the scope, not the series.
+/// the thread; the pool must outlive the scope, not the series. It keeps half a gigabyte at most.
 class SeriesPool {
  public:
   SeriesPool() = default;
@@ -44,6 +44,7 @@ class SeriesPool {
     std::size_t capacity;
   };
   std::vector<Kept> kept_;
+  std::size_t rows_ = 0;  ///< that the kept buffers have room for
 };
 
 /// A growable vector of double that behaves as a value and costs a pointer to copy: copies share one
@@ -90,12 +91,18 @@ class Series {
   void resize(std::size_t rows, double fill);
   /// Amortised constant time.
   void push_back(double value) {
-    if (!buffer_ || buffer_->owners > 1 || buffer_->capacity == buffer_->size) growForOne();
+    reserveRow();
     buffer_->rows()[buffer_->size++] = value;
   }
-  /// Takes the last row away.
-  void pop_back() { resize(size() - 1, 0.0); }
   void reserve(std::size_t rows);
+  /// The rows are this series' own and the next push_back() needs no memory.
+  void reserveRow() {
+    if (!buffer_ || buffer_->owners > 1 || buffer_->capacity == buffer_->size) growForOne();
+  }
+  /// Takes the rows from this one on away. The buffer must not be shared.
+  void truncate(std::size_t rows) noexcept {
+    if (buffer_ && rows < buffer_->size) buffer_->size = rows;
+  }
   /// The next row moves the rows to another place in memory.
   bool full() const { return !buffer_ || buffer_->capacity == buffer_->size; }
   void clear();

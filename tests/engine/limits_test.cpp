@@ -8,6 +8,7 @@
 
 #include "functions/script_engine.hpp"
 #include "series/text.hpp"
+#include "services/output/output_worker.hpp"
 
 namespace brindlewort {
 namespace {
@@ -118,6 +119,44 @@ TEST(Limits, RememberRefusesTheNameBehindThe501st) {
   EXPECT_EQ(engine.RememberVariable("ONE_MORE", {}), -1);
   EXPECT_EQ(engine.errorText, kTooComplex);
   EXPECT_EQ(engine.abortMark, "timeout");
+}
+
+TEST(Limits, TheRowsOfAllResultsHaveALimit) {
+  const auto textWith = [](std::uint64_t rows) {
+    const std::vector<Bar> some = bars(61);
+    CScriptEngine engine;
+    engine.bars.use(some);
+    engine.mostRowsHeld = rows;
+    return engine.RunScript("SET A = SMA(CLOSE, 3)\r\nSET B = EMA(CLOSE, 3) + 1\r\nSET C = A + B\r\nC > 1",
+                            false, false);
+  };
+  // A, the average in B, B's sum and C's: four series when the last statement begins.
+  EXPECT_EQ(textWith(4 * 60), "ALERT");
+  EXPECT_EQ(textWith(4 * 60 - 1), kTooComplex);
+}
+
+TEST(Limits, TextsHaveALongestLength) {
+  const std::vector<Bar> some = bars(60);
+  const auto textUpTo = [&](std::size_t longest) {
+    CScriptEngine engine;
+    engine.bars.use(some);
+    return outputText(engine, "SET A = CLOSE", 3, "", longest);
+  };
+  const std::size_t size = textUpTo(kLongestText).size();
+  EXPECT_GT(size, 58u * 12u);
+  EXPECT_EQ(textUpTo(size), textUpTo(kLongestText));
+  EXPECT_EQ(textUpTo(size - 1), kTooComplex);
+
+  CScriptEngine living;
+  living.InitialiseTransientStore(0);
+  for (const Bar& bar : some) living.ApplyBarChange(bar, CScriptEngine::kNewBar);
+  std::string error;
+  ASSERT_TRUE(living.ProcessScripData("SET A = CLOSE\r\nA", error));
+  living.bars.use(some);
+  const std::size_t livingSize = preparedOutputText(living, "A", 0, "").size();
+  EXPECT_GT(livingSize, 60u * 12u);
+  EXPECT_EQ(preparedOutputText(living, "A", 0, "", livingSize).size(), livingSize);
+  EXPECT_EQ(preparedOutputText(living, "A", 0, "", livingSize - 1), kTooComplex);
 }
 
 }  // namespace

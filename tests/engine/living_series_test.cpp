@@ -94,6 +94,20 @@ TEST(InitialiseTransientStore, FromTenOnReservesWhatIsAsked) {
   EXPECT_EQ(textOverEntries(400, 402), kTooComplex);
 }
 
+TEST(InitialiseTransientStore, EntriesAreAsManyAsThereIsRoomForTheirRows) {
+  const auto textOver = [](int bars, int entries) {
+    Living engine(10'000);
+    engine.mostRowsHeld = 2'000;
+    for (int i = 1; i <= bars; ++i) engine.append(i);
+    EXPECT_TRUE(engine.prepare(scriptOfEntries(entries)));
+    return engine.run();
+  };
+  EXPECT_EQ(textOver(10, 200), "ALERT");
+  EXPECT_EQ(textOver(10, 202), kTooComplex);
+  EXPECT_EQ(textOver(20, 100), "ALERT");
+  EXPECT_EQ(textOver(20, 102), kTooComplex);
+}
+
 TEST(InitialiseTransientStore, NoScriptNamesMoreThanFiveHundredAndOne) {
   EXPECT_EQ(textOverEntries(2000, 502), "ALERT");
   EXPECT_EQ(textOverEntries(2000, 504), kTooComplex);

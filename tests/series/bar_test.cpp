@@ -181,7 +181,7 @@ TEST(BarStore, ABarThatFitsItsNeighboursDoesNotPutUnorderedBarsInOrder) {
 
 TEST(BarStore, TheLastBarCanBeTakenAway) {
   BarStore store = storeOf({10.0, 20.0});
-  store.dropLast();
+  store.dropFrom(store.size() - 1);
   EXPECT_EQ(store.RecordCount(), 1);
   EXPECT_EQ(store.findDate(20.0), BarStore::kNotFound);
 }

@@ -93,7 +93,7 @@ void AlertWatch::store(const Bar& bar) {
   } else if (isEdit) {
     hand(&CAlert::EditRecord);
   } else if (isLive) {
-    if (!hand(&CAlert::AppendRecord_Opt)) throw ToolError(kExitFile, "Out of memory. Give fewer bars.");
+    hand(&CAlert::AppendRecord_Opt);
   } else {
     hand(&CAlert::AppendRecord);
   }

@@ -24,9 +24,9 @@ bool computesWholeHistory(const std::string& script) {
   return component.GetCustomIndFromCondition(script).has_value();
 }
 
-bool append(CScriptOutput& component, const Bar& bar) {
-  return component.AppendRecord_New(bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice, bar.ClosePrice,
-                                    volumeToInt32(bar.Volume));
+void append(CScriptOutput& component, const Bar& bar) {
+  component.AppendRecord_New(bar.JDate, bar.OpenPrice, bar.HighPrice, bar.LowPrice, bar.ClosePrice,
+                             volumeToInt32(bar.Volume));
 }
 
 }  // namespace
@@ -61,7 +61,7 @@ void LiveRows::store(const Bar& bar) {
                               volumeToInt32(bar.Volume));
     return;
   }
-  if (!append(component_, bar)) throw ToolError(kExitFile, "Out of memory. Start again with fewer bars.");
+  append(component_, bar);
   ++bars_;
   lastDate_ = bar.JDate;
 }

@@ -15,6 +15,7 @@
 
 namespace brindlewort {
 
+class BarUndo;
 class CScriptEngine;
 
 /// The component that watches one symbol: it runs a script whenever a bar arrives or changes and tells the
@@ -23,6 +24,9 @@ class CScriptEngine;
 /// Two ways of running. The plain way evaluates the script over all bars at each change. The incremental way
 /// (InitialiseTransientStore, ProcessScripData, AlertScript, then the _Opt calls) keeps an engine alive, so
 /// that a new bar costs one new row. The events are the same.
+///
+/// A call throws std::bad_alloc when memory runs out, in the evaluation too: it has then changed nothing,
+/// save that a run leaves no last run behind, and ScriptError has been told where memory was left to do so.
 class CAlert {
  public:
   /// Live components on the machine beyond which a further one refuses to evaluate.
@@ -111,15 +115,23 @@ class CAlert {
   void Cancel() noexcept { cancel_->cancel(); }
 
  private:
+  struct Event;
   enum class Fillers { kNone, kTwo };
-  void evaluateOnChange();
-  void evaluateLiving();
-  void makeReady();
-  std::string runOverAllBars(Fillers fillers);
-  std::string runLiving();
-  bool tellOutcome(const std::string& text, const BarStore& store);
-  void fireAlert(double lastTradeDate, double lastTradePrice);
-  void fireError(std::string_view description);
+  Event errorEvent(std::string_view description) const;
+  Event outcomeOf(const std::string& text, const BarStore& store) const;
+  static bool tell(const Event& event);
+  void tellOutOfMemory() noexcept;
+
+  template <class Work, class TakeBack>
+  bool change(Work work, TakeBack takeBack);
+  template <class Evaluation>
+  bool withScript(std::string_view text, Evaluation evaluation);
+  template <class Store, class Unstore>
+  bool changeLiving(const Bar& bar, std::int32_t mode, Store store, Unstore unstore);
+
+  Event evaluateOnChange();
+  Event evaluateLiving();
+  std::string runOverAllBars(std::string_view script, Fillers fillers);
 
   std::unique_ptr<platform::CancelSwitch> cancel_ = std::make_unique<platform::CancelSwitch>();
   platform::AlertSeat seat_;
@@ -136,6 +148,7 @@ class CAlert {
 
   BarStore livingBars_;                    ///< of the incremental way
   std::unique_ptr<CScriptEngine> living_;  ///< of the incremental way
+  std::unique_ptr<BarUndo> barUndo_;       ///< of its last bar
   bool useTransientStore_ = false;
   bool transientReady_ = false;
 

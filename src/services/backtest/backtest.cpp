@@ -11,12 +11,6 @@
 
 namespace brindlewort {
 
-namespace {
-
-constexpr std::string_view kOutOfMemory = "Error: Out of memory.";
-
-}  // namespace
-
 CBacktest::CBacktest() : pool_(std::make_unique<SeriesPool>()) {}
 CBacktest::~CBacktest() = default;
 CBacktest::CBacktest(CBacktest&&) noexcept = default;
@@ -56,11 +50,10 @@ std::int32_t CBacktest::RecordCount() const {
 // ---------------------------------------------------------------------------------------------------
 
 /// Work on a fresh engine, which is kept for the questions that follow; it takes over the buffers of the
-/// engine before. False when memory ran out.
+/// engine before.
 template <class Work>
-bool CBacktest::guarded(Work work) {
+void CBacktest::guarded(Work work) {
   const platform::CancelSwitch::Call call(*cancel_);
-  bool done = false;
   try {
     const SeriesPool::Scope scope(*pool_);
     engine_.reset();
@@ -68,12 +61,21 @@ bool CBacktest::guarded(Work work) {
     engine_->cancelSwitch = cancel_.get();
     work(*engine_);
     engine_->bars.clear();
-    done = true;
   } catch (const std::bad_alloc&) {
     engine_.reset();
+    pool_->trim();
+    tellOutOfMemory();
+    throw;
   }
   pool_->trim();
-  return done;
+}
+
+void CBacktest::tellOutOfMemory() noexcept {
+  try {
+    if (ScriptError) ScriptError(std::string(kOutOfMemory));
+  } catch (...) {
+    // The call's own failure tells it all the same.
+  }
 }
 
 /// The fillers of the way stand in front of the component's bars, which are not copied.
@@ -86,21 +88,21 @@ BacktestRun CBacktest::run(CScriptEngine& engine, const ScriptWay& way, const Ba
 }
 
 /// True when a result is an error, which the host has now been told.
-bool CBacktest::tellError(std::string_view result) {
+bool CBacktest::tellError(const std::string& result) {
   if (!contains(result, "Error:")) return false;
-  if (ScriptError) ScriptError(std::string(result));
+  if (ScriptError) ScriptError(result);
   return true;
 }
 
 std::optional<std::string> CBacktest::report(const ScriptWay& way, const BacktestRequest& request) {
   BacktestRun result;
   std::string text;
-  const bool done = guarded([&](CScriptEngine& engine) {
+  guarded([&](CScriptEngine& engine) {
     result = run(engine, way, request);
     text = resultText(result);
   });
   // A report needs no look: no line of it holds the mark of an error.
-  if (tellError(done ? std::string_view(result.error) : kOutOfMemory)) return std::nullopt;
+  if (tellError(result.error)) return std::nullopt;
   return text;
 }
 
@@ -122,10 +124,7 @@ std::optional<std::string> CBacktest::Backtest_New(std::string_view BuyScript, s
 
 BacktestRun CBacktest::runBacktest(const BacktestRequest& request, const ScriptWay& way) {
   BacktestRun result;
-  if (!guarded([&](CScriptEngine& engine) { result = run(engine, way, request); })) {
-    result = {};
-    result.error = kOutOfMemory;
-  }
+  guarded([&](CScriptEngine& engine) { result = run(engine, way, request); });
   tellError(result.error);
   return result;
 }

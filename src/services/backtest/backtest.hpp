@@ -69,10 +69,11 @@ class CBacktest {
 
  private:
   template <class Work>
-  bool guarded(Work work);
+  void guarded(Work work);
+  void tellOutOfMemory() noexcept;
   BacktestRun run(CScriptEngine& engine, const ScriptWay& way, const BacktestRequest& request);
   std::optional<std::string> report(const ScriptWay& way, const BacktestRequest& request);
-  bool tellError(std::string_view result);
+  bool tellError(const std::string& result);
 
   std::unique_ptr<platform::CancelSwitch> cancel_ = std::make_unique<platform::CancelSwitch>();
   BarStore bars_;

@@ -1,5 +1,7 @@
 #include "services/output/output_worker.hpp"
 
+#include <algorithm>
+
 #include "engine/long_names.hpp"
 #include "series/julian_date.hpp"
 #include "series/numbers.hpp"
@@ -71,6 +73,11 @@ void collectColumns(CScriptEngine& engine, std::vector<OutputColumn>& columns) {
     if (!entry || entry->values.empty()) continue;
     columns.push_back({cleanName(name), entry->values});
   }
+}
+
+/// Room for the usual texts of so many lines.
+void makeRoom(std::string& text, std::size_t lines, std::size_t columns) {
+  text.reserve(std::min(64 * (columns + 1) + lines * (22 + 11 * columns), kLongestText));
 }
 
 void appendHeading(std::string& text, const std::vector<OutputColumn>& columns) {
@@ -160,7 +167,7 @@ std::vector<std::int32_t> eventBars(CScriptEngine& engine, std::string_view host
 }
 
 std::string outputText(CScriptEngine& engine, std::string_view hostScript, std::int32_t mapCount,
-                       std::string_view outputSets) {
+                       std::string_view outputSets, std::size_t longest) {
   if (hostScript.empty()) return {};
   if (engine.eventListMode) {
     engine.eventListMode = false;
@@ -174,7 +181,7 @@ std::string outputText(CScriptEngine& engine, std::string_view hostScript, std::
 
   const std::size_t first = firstOutputBar(mapCount);
   const std::size_t bars = engine.bars.size();
-  if (bars > first) text.reserve(64 * (columns.size() + 1) + (bars - first) * (22 + 11 * columns.size()));
+  if (bars > first) makeRoom(text, bars - first, columns.size());
   text = "Date";
   appendHeading(text, columns);
   for (std::size_t i = first; i < bars; ++i) {
@@ -190,6 +197,7 @@ std::string outputText(CScriptEngine& engine, std::string_view hostScript, std::
       }
     }
     text += kLineEnd;
+    if (text.size() > longest) return std::string(kTooComplex);
   }
   return text;
 }
@@ -253,7 +261,7 @@ std::vector<std::int32_t> preparedEventBars(CScriptEngine& engine, std::string_v
 }
 
 std::string preparedOutputText(CScriptEngine& engine, std::string_view hostScript, std::int32_t mapCount,
-                               std::string_view outputSets) {
+                               std::string_view outputSets, std::size_t longest) {
   if (hostScript.empty()) return {};
   if (engine.eventListMode) {
     Events events;
@@ -267,6 +275,7 @@ std::string preparedOutputText(CScriptEngine& engine, std::string_view hostScrip
   // Rows match the bars one to one.
   const std::size_t first = mapCount > 0 ? static_cast<std::size_t>(mapCount) - 1 : 0;
   const std::size_t bars = engine.bars.size();
+  if (bars > first) makeRoom(text, bars - first, columns.size());
   const bool dated = engine.retrieveMode != CScriptEngine::kReplaceScript;
   if (dated) text = "Date";
   appendHeading(text, columns);
@@ -285,6 +294,7 @@ std::string preparedOutputText(CScriptEngine& engine, std::string_view hostScrip
       comma = true;
     }
     text += kLineEnd;
+    if (text.size() > longest) return std::string(kTooComplex);
   }
   return text;
 }

@@ -16,10 +16,13 @@ namespace brindlewort {
 std::string runForOutput(CScriptEngine& engine, std::string_view script, std::string_view outputSets,
                          std::vector<OutputColumn>& columns);
 
+/// A longer text ends the work.
+inline constexpr std::size_t kLongestText = 500'000'000;
+
 /// The series of a script as text: a heading, then a line per bar from `mapCount` on. With the engine's
 /// `eventListMode` set, the list of event bars instead, and the mode is cleared.
 std::string outputText(CScriptEngine& engine, std::string_view script, std::int32_t mapCount,
-                       std::string_view outputSets);
+                       std::string_view outputSets, std::size_t longest = kLongestText);
 
 /// The bars of the event list as numbers. None, when a text ends the work instead.
 std::vector<std::int32_t> eventBars(CScriptEngine& engine, std::string_view script);
@@ -36,7 +39,7 @@ std::size_t firstOutputBar(std::int32_t mapCount);
 std::string runPreparedForOutput(CScriptEngine& engine, std::string_view outputSets,
                                  std::vector<OutputColumn>& columns);
 std::string preparedOutputText(CScriptEngine& engine, std::string_view script, std::int32_t mapCount,
-                               std::string_view outputSets);
+                               std::string_view outputSets, std::size_t longest = kLongestText);
 std::vector<std::int32_t> preparedEventBars(CScriptEngine& engine, std::string_view script);
 std::string preparedHeadingText(CScriptEngine& engine, std::string_view script);
 /// Runs and picks the entries of the output series; false when the run has failed.

@@ -3,15 +3,16 @@
 namespace brindlewort {
 
 const PointerBlock::List& PointerBlock::show(const std::vector<StoreEntry*>& entries) {
-  entries_ = entries;
-  kept_.clear();
+  std::vector<StoreEntry*> shown(entries);
   items_.resize(entries.size());
+  entries_.swap(shown);
+  kept_.clear();
   afterGrowth();
   list_ = {items_.size(), items_.data()};
   return list_;
 }
 
-void PointerBlock::endOfPromise() {
+void PointerBlock::endOfPromise() noexcept {
   entries_.clear();
   kept_.clear();
 }
@@ -22,15 +23,10 @@ void PointerBlock::beforeGrowth() {
   }
 }
 
-void PointerBlock::afterGrowth() {
+void PointerBlock::afterGrowth() noexcept {
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     items_[i] = {entries_[i]->values.data(), entries_[i]->values.size()};
   }
-}
-
-void PointerBlock::freeze() {
-  for (const StoreEntry* entry : entries_) kept_.push_back(entry->values);
-  entries_.clear();
 }
 
 }  // namespace brindlewort

@@ -8,7 +8,8 @@
 namespace brindlewort {
 
 /// The live series that a host sees by pointer, and that stay where it saw them until the next list or run:
-/// rows that must move to grow leave their old place readable, and the list follows them.
+/// rows that must move to grow leave their old place readable, and the list follows them. Where memory runs
+/// out nothing has changed.
 class PointerBlock {
  public:
   struct Rows {
@@ -23,13 +24,24 @@ class PointerBlock {
   /// Makes the list of these entries, in their order. What an earlier list showed is no longer kept.
   const List& show(const std::vector<StoreEntry*>& entries);
   /// A run begins: places that were kept are given back.
-  void endOfPromise();
+  void endOfPromise() noexcept;
 
   /// To be called before rows are added, and after.
   void beforeGrowth();
-  void afterGrowth();
-  /// The entries are about to go: what they hold now stays readable.
-  void freeze();
+  void afterGrowth() noexcept;
+  /// Makes a change by which the entries may go: what they hold now stays readable.
+  template <class Change>
+  void freeze(Change change) {
+    const std::size_t before = kept_.size();
+    try {
+      for (const StoreEntry* entry : entries_) kept_.push_back(entry->values);
+      change();
+      entries_.clear();
+    } catch (...) {
+      kept_.resize(before);
+      throw;
+    }
+  }
 
  private:
   std::vector<StoreEntry*> entries_;

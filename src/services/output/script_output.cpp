@@ -13,7 +13,6 @@ namespace brindlewort {
 namespace {
 
 constexpr double kFillerDate = 2444239.5;
-constexpr std::string_view kOutOfMemory = "Error: Out of memory.";
 
 bool asksForCandles(std::string_view script) {
   return contains(upperCase(script), "CSP");
@@ -53,10 +52,11 @@ bool CScriptOutput::EditJDate(double OldJDate, double NewJDate) {
 }
 
 void CScriptOutput::ClearRecords() {
-  bars_.ClearRecords();
-  livingBars_.ClearRecords();
-  pointers_->freeze();
-  living_->ClearIncremental();
+  pointers_->freeze([&] {
+    bars_.ClearRecords();
+    livingBars_.ClearRecords();
+    living_->ClearIncremental();
+  });
 }
 
 const Bar* CScriptOutput::GetRecordByJDate(double JDate) const {
@@ -88,7 +88,7 @@ std::optional<std::int32_t> CScriptOutput::GetRecordNumberByJDate(double JDate) 
 // ---------------------------------------------------------------------------------------------------
 
 /// Work on a fresh engine, which is kept for the questions that follow; it takes over the buffers of the
-/// engine before. A lack of memory becomes the event.
+/// engine before.
 template <class Work>
 auto CScriptOutput::guarded(Work work) -> decltype(work()) {
   const platform::CancelSwitch::Call call(*cancel_);
@@ -107,13 +107,17 @@ auto CScriptOutput::guarded(Work work) -> decltype(work()) {
     lastRun_ = nullptr;
     engine_.reset();
     pool_->trim();
-    outOfMemory();
-    return {};
+    tellOutOfMemory();
+    throw;
   }
 }
 
-void CScriptOutput::outOfMemory() {
-  if (ScriptError) ScriptError(std::string(kOutOfMemory));
+void CScriptOutput::tellOutOfMemory() noexcept {
+  try {
+    if (ScriptError) ScriptError(std::string(kOutOfMemory));
+  } catch (...) {
+    // The call's own failure tells it all the same.
+  }
 }
 
 /// Gives the fresh engine the component's bars. When all bars are asked for, two fillers stand in front: the
@@ -142,7 +146,7 @@ std::optional<std::string> CScriptOutput::answer(std::string text) {
 std::optional<std::string> CScriptOutput::GetScriptOutput(std::string_view DefaultScript,
                                                           std::int32_t MapCount,
                                                           std::string_view OutputSets) {
-  return guarded([&] {
+  return answer(guarded([&] {
     CScriptEngine& engine = prepareRun(DefaultScript, MapCount);
     if (MapCount == -1) {
       engine.eventListMode = true;
@@ -150,46 +154,45 @@ std::optional<std::string> CScriptOutput::GetScriptOutput(std::string_view Defau
     }
     std::string text = outputText(engine, DefaultScript, MapCount, OutputSets);
     engine.candleOutputId = 0;
-    return answer(std::move(text));
-  });
+    return text;
+  }));
 }
 
 std::optional<OutputTable> CScriptOutput::computeOutput(std::string_view DefaultScript, std::int32_t MapCount,
                                                         std::string_view OutputSets) {
-  return guarded([&]() -> std::optional<OutputTable> {
+  OutputTable table;
+  std::string text = guarded([&] {
     CScriptEngine& engine = prepareRun(DefaultScript, MapCount);
-    OutputTable table;
-    const std::string text = runForOutput(engine, DefaultScript, OutputSets, table.columns);
+    std::string failure = runForOutput(engine, DefaultScript, OutputSets, table.columns);
     engine.candleOutputId = 0;
-    if (!text.empty()) {
-      answer(text);
-      return std::nullopt;
-    }
     table.bars = engine.bars;
     table.firstBar = firstOutputBar(MapCount);
-    return table;
+    return failure;
   });
+  if (text.empty()) return table;
+  answer(std::move(text));
+  return std::nullopt;
 }
 
 std::optional<std::string> CScriptOutput::GetCustomIndFromCondition(std::string_view DefaultScript) {
-  return guarded([&] {
+  return answer(guarded([&] {
     engine_->bars.use(bars_.rows());
-    return answer(headingText(*engine_, DefaultScript));
-  });
+    return headingText(*engine_, DefaultScript);
+  }));
 }
 
 // ---- The incremental way
 // ------------------------------------------------------------------------------------
 
 void CScriptOutput::InitialiseTransientStore(std::int32_t variablesSize) {
-  pointers_->freeze();
-  living_->InitialiseTransientStore(variablesSize);
+  pointers_->freeze([&] { living_->InitialiseTransientStore(variablesSize); });
 }
 
 bool CScriptOutput::ProcessScripData(std::string_view script) {
-  pointers_->freeze();
   std::string error;
-  return living_->ProcessScripData(script, error);
+  bool prepared = false;
+  pointers_->freeze([&] { prepared = living_->ProcessScripData(script, error); });
+  return prepared;
 }
 
 void CScriptOutput::SetDataRetrieveMode(std::int32_t mode) {
@@ -197,32 +200,34 @@ void CScriptOutput::SetDataRetrieveMode(std::int32_t mode) {
 }
 
 void CScriptOutput::AddOrRemoveBasicVectorSeries(std::string_view name, std::int32_t size) {
-  pointers_->freeze();
-  living_->AddOrRemoveBasicVectorSeries(name, size);
+  pointers_->freeze([&] { living_->AddOrRemoveBasicVectorSeries(name, size); });
 }
 
 void CScriptOutput::UpdateBasicVectorData(std::string_view name, double value, std::uint8_t AddorUpdate) {
+  whileRowsGrow([&] { living_->UpdateBasicVectorData(name, value, AddorUpdate); });
+}
+
+/// Rows may have moved to a larger place before memory ran out for others; the host's list follows them all.
+template <class Growth>
+void CScriptOutput::whileRowsGrow(Growth growth) {
   pointers_->beforeGrowth();
-  living_->UpdateBasicVectorData(name, value, AddorUpdate);
+  try {
+    growth();
+  } catch (...) {
+    pointers_->afterGrowth();
+    throw;
+  }
   pointers_->afterGrowth();
 }
 
 void CScriptOutput::GetVariableValuesLog(std::string_view) {}
 
-bool CScriptOutput::AppendRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice,
+void CScriptOutput::AppendRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice,
                                      double ClosePrice, std::int32_t Volume) {
   const Bar bar = makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume);
+  livingBars_.makeRoom(1);
+  whileRowsGrow([&] { living_->ApplyBarChange(bar, CScriptEngine::kNewBar); });
   livingBars_.AppendRecord(bar);
-  std::int32_t status = -1;
-  try {
-    pointers_->beforeGrowth();
-    status = living_->ApplyBarChange(bar, CScriptEngine::kNewBar);
-  } catch (const std::bad_alloc&) {
-    livingBars_.dropLast();
-    outOfMemory();
-  }
-  pointers_->afterGrowth();
-  return status == 0;
 }
 
 std::optional<bool> CScriptOutput::EditRecord_New(double JDate, double OpenPrice, double HighPrice,
@@ -239,46 +244,58 @@ bool CScriptOutput::EditJDate_New(double OldJDate, double NewJDate) {
   return livingBars_.EditJDate(OldJDate, NewJDate);
 }
 
-/// Work on the living engine, which keeps its series when memory runs out.
+/// Work on the living engine; the run has never been when memory runs out.
 template <class Work>
 auto CScriptOutput::livingRun(std::string_view script, std::int32_t mapCount, Work work) ->
     typename std::invoke_result<Work, CScriptEngine&>::type {
   const platform::CancelSwitch::Call call(*cancel_);
   CScriptEngine& engine = *living_;
   engine.cancelSwitch = cancel_.get();
-  lastRun_ = &engine;
+  engine.settleRun();
   pointers_->endOfPromise();
   typename std::invoke_result<Work, CScriptEngine&>::type result{};
   try {
     engine.bars.use(livingBars_.rows());
     if (script != lastAsked_) {
-      lastAsked_ = script;
+      std::string asked(script);
       lastAsksForCandles_ = asksForCandles(script);
+      lastAsked_.swap(asked);
     }
     engine.candleOutputId = lastAsksForCandles_ ? 1 : 0;
     engine.eventListMode = mapCount == -1;
     result = work(engine);
   } catch (const std::bad_alloc&) {
-    outOfMemory();
+    takeBackRun();
+    tellOutOfMemory();
+    throw;
   }
+  lastRun_ = &engine;
   engine.eventListMode = false;
   engine.candleOutputId = 0;
   return result;
 }
 
+void CScriptOutput::takeBackRun() noexcept {
+  pointers_->endOfPromise();
+  living_->takeBackRun();
+  living_->eventListMode = false;
+  living_->candleOutputId = 0;
+  lastRun_ = nullptr;
+}
+
 std::optional<std::string> CScriptOutput::GetScriptOutput_New(std::string_view DefaultScript,
                                                               std::int32_t MapCount,
                                                               std::string_view OutputSets) {
-  return livingRun(DefaultScript, MapCount, [&](CScriptEngine& engine) {
-    return answer(preparedOutputText(engine, DefaultScript, MapCount, OutputSets));
-  });
+  return answer(livingRun(DefaultScript, MapCount, [&](CScriptEngine& engine) {
+    return preparedOutputText(engine, DefaultScript, MapCount, OutputSets);
+  }));
 }
 
 std::optional<std::string> CScriptOutput::GetCustomIndFromCondition_NEW(std::string_view DefaultScript) {
-  return livingRun(DefaultScript, 0, [&](CScriptEngine& engine) {
+  return answer(livingRun(DefaultScript, 0, [&](CScriptEngine& engine) {
     engine.candleOutputId = 0;
-    return answer(preparedHeadingText(engine, DefaultScript));
-  });
+    return preparedHeadingText(engine, DefaultScript);
+  }));
 }
 
 std::intptr_t CScriptOutput::GetScriptOutput_PTR(std::string_view DefaultScript, std::int32_t MapCount,

@@ -38,6 +38,8 @@ struct OutputTable {
 };
 
 /// The component that gives a host the series of a script, over bars given one by one. One thread at a time.
+/// A call throws std::bad_alloc when memory runs out: it has then changed nothing, save that a run leaves no
+/// last run behind, and ScriptError has been told of a run where memory was left to do so.
 class CScriptOutput {
  public:
   CScriptOutput();
@@ -92,8 +94,7 @@ class CScriptOutput {
   /// Accepted; writes nothing.
   void GetVariableValuesLog(std::string_view path);
 
-  /// False when memory runs out; no bar is added then.
-  bool AppendRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice, double ClosePrice,
+  void AppendRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice, double ClosePrice,
                         std::int32_t Volume);
   /// Replaces the first bar of this date; the series' last rows take its prices, whichever bar it is. False
   /// when there is no such bar; nothing when a series of the host has no row to change (the bar is replaced
@@ -122,6 +123,10 @@ class CScriptOutput {
   /// help that belongs to the run.
   std::string_view lastFunction() const;
 
+  /// For a host's face that has no memory left to hand on what a run of the incremental way has given: the
+  /// run has never been. To be called at once.
+  void takeBackRun() noexcept;
+
   const BarStore& bars() const { return bars_; }
   /// Room for `more` bars to be appended.
   void makeRoom(std::size_t more) { bars_.makeRoom(more); }
@@ -134,7 +139,9 @@ class CScriptOutput {
   template <class Work>
   auto livingRun(std::string_view script, std::int32_t mapCount, Work work) ->
       typename std::invoke_result<Work, CScriptEngine&>::type;
-  void outOfMemory();
+  template <class Growth>
+  void whileRowsGrow(Growth growth);
+  void tellOutOfMemory() noexcept;
 
   std::unique_ptr<platform::CancelSwitch> cancel_ = std::make_unique<platform::CancelSwitch>();
   BarStore bars_;

@@ -1,7 +1,5 @@
 #include "services/validate/validate.hpp"
 
-#include <new>
-
 #include "engine/long_names.hpp"
 #include "functions/script_engine.hpp"
 #include "series/text.hpp"
@@ -29,16 +27,6 @@ std::string withoutComments(std::string_view script) {
   }
 }
 
-/// What a run leaves behind and no later one may find; the texts of its SET statements stay.
-void reset(CScriptEngine& engine) {
-  engine.dryRun = false;
-  engine.wholeHistory = false;
-  engine.paddedData = false;
-  engine.windowLength = 0;
-  engine.outputNames.clear();
-  engine.bars.clear();
-}
-
 }  // namespace
 
 CValidate::CValidate() : engine_(std::make_unique<CScriptEngine>()) {}
@@ -46,34 +34,40 @@ CValidate::~CValidate() = default;
 CValidate::CValidate(CValidate&&) noexcept = default;
 CValidate& CValidate::operator=(CValidate&&) noexcept = default;
 
-std::string CValidate::Validate(std::string_view ValidateScript, std::int32_t BuildVersion) {
-  std::string answer;
-  try {
-    answer = check(ValidateScript, BuildVersion);
-  } catch (const std::bad_alloc&) {
-    answer = "Error: Out of memory.";
-  }
-  engine_->variables.clear();
+std::string CValidate::Validate(std::string_view ValidateScript, std::int32_t BuildVersion, const Use& use) {
+  std::unique_ptr<CScriptEngine> run;
+  std::string answer = check(ValidateScript, BuildVersion, run);
+  if (use) use(answer);
+  if (!run) return answer;
+  run->variables.clear();
+  engine_ = std::move(run);
   return answer;
 }
 
-std::string CValidate::check(std::string_view script, std::int32_t buildVersion) {
+std::string CValidate::check(std::string_view script, std::int32_t buildVersion,
+                             std::unique_ptr<CScriptEngine>& run) const {
   const std::string text = withoutComments(upperCase(script));
   if (text.size() < kShortestScript) return "Error: Script too short.";
   const std::string shortText = withShortNames(text, &LongName::inValidation);
   const validation::Fault fault = validation::CheckSyntax(shortText);
   if (!fault.empty()) return "Error: " + fault;
 
-  const std::string answer = dryRun(shortText);
-  if (!answer.empty() || buildVersion == kNoCount) return answer;
-  return "NO Error:" + std::to_string(engine_->variables.size());
+  run = freshEngine();
+  const std::string answer = run->RunScript(shortText, false, true);
+  run->bars.clear();
+  if (!answer.empty() && answer != "ALERT") return answer;
+  return buildVersion == kNoCount ? "" : "NO Error:" + std::to_string(run->variables.size());
 }
 
-std::string CValidate::dryRun(std::string_view script) {
-  reset(*engine_);
-  const std::string text = engine_->RunScript(script, false, true);
-  engine_->bars.clear();
-  return text == "ALERT" ? std::string() : text;
+/// With the texts of the last run, which a script stays without when it is refused unread.
+std::unique_ptr<CScriptEngine> CValidate::freshEngine() const {
+  auto engine = std::make_unique<CScriptEngine>();
+  engine->exchange = engine_->exchange;
+  engine->sector = engine_->sector;
+  engine->industry = engine_->industry;
+  engine->symbol = engine_->symbol;
+  engine->currentFunction = engine_->currentFunction;
+  return engine;
 }
 
 std::string CValidate::Constant(std::string_view Name) const {

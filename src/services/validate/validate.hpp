@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,8 +21,10 @@ class CValidate {
 
   /// The first fault of a script as text: "Error: " and the message of a check, or the engine's own error.
   /// Without a fault the text is empty when BuildVersion is -1; otherwise it is "NO Error:" and the number of
-  /// series that the run held.
-  std::string Validate(std::string_view ValidateScript, std::int32_t BuildVersion);
+  /// series that the run held. Throws std::bad_alloc, and has changed nothing, when memory runs out, also in
+  /// `use`, which is given the answer before anything changes.
+  using Use = std::function<void(const std::string& answer)>;
+  std::string Validate(std::string_view ValidateScript, std::int32_t BuildVersion, const Use& use = {});
 
   /// What the SET statement of this name said in the script last run: SYMBOL, EXCHANGE, SECTOR or INDUSTRY,
   /// in any case. Empty for any other name. A script that a check refuses is not run.
@@ -31,8 +34,9 @@ class CValidate {
   const CScriptEngine& engine() const { return *engine_; }
 
  private:
-  std::string check(std::string_view script, std::int32_t buildVersion);
-  std::string dryRun(std::string_view script);
+  std::string check(std::string_view script, std::int32_t buildVersion,
+                    std::unique_ptr<CScriptEngine>& run) const;
+  std::unique_ptr<CScriptEngine> freshEngine() const;
 
   std::unique_ptr<CScriptEngine> engine_;
 };

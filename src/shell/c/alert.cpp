@@ -25,8 +25,7 @@ int32_t setText(bw_alert* h, const char* text, Set set) {
 
 template <class Get>
 int32_t getText(bw_alert* h, char** text, Get get) {
-  return onHandle(
-      h, [&](bw_alert& handle) { return text ? giveText((handle.component.*get)(), text) : kNullArgument; });
+  return giveText(h, text, [&](bw_alert& handle) { return (handle.component.*get)(); });
 }
 
 }  // namespace
@@ -41,26 +40,26 @@ void bw_alert_destroy(bw_alert* h) {
 
 int32_t bw_alert_on_alert(bw_alert* h, bw_alert_fn fn, void* user) {
   return onHandle(h, [&](bw_alert& handle) {
-    handle.component.Alert = nullptr;
+    decltype(CAlert::Alert) tell;
     if (fn) {
-      handle.component.Alert = [&handle, fn, user](const std::string& symbol, const std::string& name,
-                                                   double date, double price) {
+      tell = [&handle, fn, user](const std::string& symbol, const std::string& name, double date, double price) {
         callHost(handle, fn, user, symbol.c_str(), name.c_str(), date, price);
       };
     }
+    handle.component.Alert = std::move(tell);
     return kSuccess;
   });
 }
 
 int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void* user) {
   return onHandle(h, [&](bw_alert& handle) {
-    handle.component.ScriptError = nullptr;
+    decltype(CAlert::ScriptError) tell;
     if (fn) {
-      handle.component.ScriptError = [&handle, fn, user](const std::string& symbol, const std::string& name,
-                                                         const std::string& text) {
+      tell = [&handle, fn, user](const std::string& symbol, const std::string& name, const std::string& text) {
         callHost(handle, fn, user, symbol.c_str(), name.c_str(), text.c_str());
       };
     }
+    handle.component.ScriptError = std::move(tell);
     return kSuccess;
   });
 }
@@ -135,9 +134,7 @@ int32_t bw_alert_from_julian_date(bw_alert* h, double jdate, char** text) {
 }
 
 int32_t bw_alert_get_script_help(bw_alert* h, char** text) {
-  return onHandle(h, [&](bw_alert& handle) {
-    return text ? giveText(scriptHelp(handle.component.lastFunction()), text) : kNullArgument;
-  });
+  return giveText(h, text, [](bw_alert& handle) { return scriptHelp(handle.component.lastFunction()); });
 }
 
 int32_t bw_alert_get_jdate(bw_alert* h, int32_t index, double* jdate) {

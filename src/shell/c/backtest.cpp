@@ -17,11 +17,9 @@ namespace {
 int32_t run(bw_backtest* h, decltype(&CBacktest::Backtest) way, const char* buy, const char* sell,
             const char* exitLong, const char* exitShort, double slipPct, const char* maxOpenDays,
             char** text) {
-  return onHandle(h, [&](bw_backtest& handle) {
-    if (!text) return kNullArgument;
-    return giveText((handle.component.*way)(textOf(buy), textOf(sell), textOf(exitLong), textOf(exitShort),
-                                            slipPct, textOf(maxOpenDays)),
-                    text);
+  return giveText(h, text, [&](bw_backtest& handle) {
+    return (handle.component.*way)(textOf(buy), textOf(sell), textOf(exitLong), textOf(exitShort), slipPct,
+                                   textOf(maxOpenDays));
   });
 }
 
@@ -112,10 +110,8 @@ int32_t bw_backtest_backtest_new(bw_backtest* h, const char* buy_script, const c
 }
 
 int32_t bw_backtest_get_script_help(bw_backtest* h, char** text) {
-  return onHandle(h, [&](bw_backtest& handle) {
-    if (!text) return kNullArgument;
+  return giveText(h, text, [&](bw_backtest& handle) {
     const CScriptEngine* engine = handle.component.lastEngine();
-    return giveText(scriptHelp(engine ? std::string_view(engine->currentFunction) : std::string_view()),
-                    text);
+    return scriptHelp(engine ? std::string_view(engine->currentFunction) : std::string_view());
   });
 }

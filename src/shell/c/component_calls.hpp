@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "series/julian_date.hpp"
 #include "series/numbers.hpp"
@@ -26,12 +27,11 @@ Handle* create() noexcept {
 template <class Handle, class Function>
 std::int32_t onScriptError(Handle* h, Function fn, void* user) {
   return onHandle(h, [&](Handle& handle) {
-    handle.component.ScriptError = nullptr;
+    decltype(handle.component.ScriptError) tell;
     if (fn) {
-      handle.component.ScriptError = [&handle, fn, user](const std::string& text) {
-        callHost(handle, fn, user, text.c_str());
-      };
+      tell = [&handle, fn, user](const std::string& text) { callHost(handle, fn, user, text.c_str()); };
     }
+    handle.component.ScriptError = std::move(tell);
     return kSuccess;
   });
 }
@@ -161,7 +161,7 @@ std::int32_t toJulianDate(Handle* h, std::int32_t year, std::int32_t month, std:
 
 template <class Handle>
 std::int32_t fromJulianDate(Handle* h, double jdate, char** text) {
-  return onHandle(h, [&](Handle&) { return text ? giveText(FromJulianDate(jdate), text) : kNullArgument; });
+  return giveText(h, text, [&](Handle&) { return FromJulianDate(jdate); });
 }
 
 }  // namespace brindlewort::c_face

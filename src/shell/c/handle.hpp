@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,10 +27,10 @@ inline std::string_view textOf(const char* text) {
   return text ? std::string_view(text) : std::string_view();
 }
 
-/// A copy that the host frees; null when memory runs out.
+/// A copy that the host frees.
 inline char* copyText(std::string_view text) {
   char* copy = static_cast<char*>(std::malloc(text.size() + 1));
-  if (!copy) return nullptr;
+  if (!copy) throw std::bad_alloc();
   std::memcpy(copy, text.data(), text.size());
   copy[text.size()] = '\0';
   return copy;
@@ -40,7 +41,8 @@ struct HandleState {
   platform::FpDoor door;
 };
 
-/// Runs a call on a handle. A null handle is -1, and whatever is thrown inside is a failure.
+/// Runs a call on a handle. A null handle is -1, and whatever is thrown inside is a failure: a component
+/// throws when memory has run out and nothing has changed.
 template <class Handle, class Call>
 std::int32_t onHandle(Handle* handle, Call call) noexcept {
   if (!handle) return kNullArgument;
@@ -53,11 +55,16 @@ std::int32_t onHandle(Handle* handle, Call call) noexcept {
   }
 }
 
-/// Calls a function of the host's, as an event does.
+/// Calls a function of the host's, as an event does. What it throws ends here, for the call has done its work and says
+/// so.
 template <class Function, class... Arguments>
-void callHost(HandleState& handle, Function fn, Arguments... arguments) {
+void callHost(HandleState& handle, Function fn, Arguments... arguments) noexcept {
   const platform::FpDoor::Outside outside(handle.door);
-  fn(arguments...);
+  try {
+    fn(arguments...);
+  } catch (...) {
+    // a host that wants to know catches it itself
+  }
 }
 
 template <class... Pointers>
@@ -65,12 +72,17 @@ bool anyNull(Pointers... pointers) {
   return (... || (pointers == nullptr));
 }
 
-/// A text result: null when the call returns nothing.
-inline std::int32_t giveText(const std::optional<std::string>& text, char** out) {
-  *out = nullptr;
-  if (!text) return kSuccess;
-  *out = copyText(*text);
-  return *out ? kSuccess : kFailure;
+/// A call with a text result: null when the call returns nothing, or fails. `answer` makes the text of the
+/// handle.
+template <class Handle, class Answer>
+std::int32_t giveText(Handle* h, char** out, Answer answer) noexcept {
+  return onHandle(h, [&](Handle& handle) {
+    if (!out) return kNullArgument;
+    *out = nullptr;
+    const std::optional<std::string> text = answer(handle);
+    if (text) *out = copyText(*text);
+    return kSuccess;
+  });
 }
 
 inline std::int32_t giveBool(bool value, std::int32_t* out, std::int32_t whenTrue = kTrue) {

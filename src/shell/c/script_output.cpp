@@ -14,6 +14,23 @@ struct bw_script_output : HandleState {
   CScriptOutput component;
 };
 
+namespace {
+
+/// The text of a run of the incremental way. The run has never been when no memory is left for the text.
+template <class Answer>
+int32_t giveRunText(bw_script_output* h, char** text, Answer answer) {
+  bool hasRun = false;
+  const int32_t status = giveText(h, text, [&](bw_script_output& handle) {
+    auto of = answer(handle.component);
+    hasRun = true;
+    return of;
+  });
+  if (status == kFailure && hasRun) h->component.takeBackRun();
+  return status;
+}
+
+}  // namespace
+
 bw_script_output* bw_script_output_create(void) {
   return create<bw_script_output>();
 }
@@ -96,16 +113,14 @@ int32_t bw_script_output_from_julian_date(bw_script_output* h, double jdate, cha
 
 int32_t bw_script_output_get_script_output(bw_script_output* h, const char* script, int32_t map_count,
                                            const char* output_sets, char** text) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (!text) return kNullArgument;
-    return giveText(handle.component.GetScriptOutput(textOf(script), map_count, textOf(output_sets)), text);
+  return giveText(h, text, [&](bw_script_output& handle) {
+    return handle.component.GetScriptOutput(textOf(script), map_count, textOf(output_sets));
   });
 }
 
 int32_t bw_script_output_get_custom_ind_from_condition(bw_script_output* h, const char* script, char** text) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (!text) return kNullArgument;
-    return giveText(handle.component.GetCustomIndFromCondition(textOf(script)), text);
+  return giveText(h, text, [&](bw_script_output& handle) {
+    return handle.component.GetCustomIndFromCondition(textOf(script));
   });
 }
 
@@ -159,9 +174,8 @@ int32_t bw_script_output_append_record_new(bw_script_output* h, double jdate, do
                                            double high_price, double low_price, double close_price,
                                            int32_t volume) {
   return onHandle(h, [&](bw_script_output& handle) {
-    const bool taken =
-        handle.component.AppendRecord_New(jdate, open_price, high_price, low_price, close_price, volume);
-    return taken ? kSuccess : kFailure;
+    handle.component.AppendRecord_New(jdate, open_price, high_price, low_price, close_price, volume);
+    return kSuccess;
   });
 }
 
@@ -187,18 +201,15 @@ int32_t bw_script_output_edit_jdate_new(bw_script_output* h, double old_jdate, d
 
 int32_t bw_script_output_get_script_output_new(bw_script_output* h, const char* script, int32_t map_count,
                                                const char* output_sets, char** text) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (!text) return kNullArgument;
-    return giveText(handle.component.GetScriptOutput_New(textOf(script), map_count, textOf(output_sets)),
-                    text);
+  return giveRunText(h, text, [&](CScriptOutput& component) {
+    return component.GetScriptOutput_New(textOf(script), map_count, textOf(output_sets));
   });
 }
 
 int32_t bw_script_output_get_custom_ind_from_condition_new(bw_script_output* h, const char* script,
                                                            char** text) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    if (!text) return kNullArgument;
-    return giveText(handle.component.GetCustomIndFromCondition_NEW(textOf(script)), text);
+  return giveRunText(h, text, [&](CScriptOutput& component) {
+    return component.GetCustomIndFromCondition_NEW(textOf(script));
   });
 }
 
@@ -212,15 +223,15 @@ int32_t bw_script_output_get_script_output_ptr(bw_script_output* h, const char* 
                                                const char* output_sets, intptr_t* data_ptr) {
   return onHandle(h, [&](bw_script_output& handle) {
     if (!data_ptr) return kNullArgument;
+    *data_ptr = -1;
     *data_ptr = handle.component.GetScriptOutput_PTR(textOf(script), map_count, textOf(output_sets));
     return *data_ptr == -1 ? kFailure : kSuccess;
   });
 }
 
 int32_t bw_script_output_get_script_help(bw_script_output* h, char** text) {
-  return onHandle(h, [&](bw_script_output& handle) {
-    return text ? giveText(scriptHelp(handle.component.lastFunction()), text) : kNullArgument;
-  });
+  return giveText(h, text,
+                  [](bw_script_output& handle) { return scriptHelp(handle.component.lastFunction()); });
 }
 
 int32_t bw_script_output_get_series(bw_script_output* h, const char* name, const double** values,

@@ -22,18 +22,19 @@ void bw_validate_destroy(bw_validate* h) {
 
 int32_t bw_validate_validate(bw_validate* h, const char* script, int32_t build_version, char** text) {
   return onHandle(h, [&](bw_validate& handle) {
-    return text ? giveText(handle.component.Validate(textOf(script), build_version), text) : kNullArgument;
+    if (!text) return kNullArgument;
+    *text = nullptr;
+    handle.component.Validate(textOf(script), build_version,
+                              [text](const std::string& answer) { *text = copyText(answer); });
+    return kSuccess;
   });
 }
 
 int32_t bw_validate_get_constant(bw_validate* h, const char* name, char** text) {
-  return onHandle(h, [&](bw_validate& handle) {
-    return text ? giveText(handle.component.Constant(textOf(name)), text) : kNullArgument;
-  });
+  return giveText(h, text, [&](bw_validate& handle) { return handle.component.Constant(textOf(name)); });
 }
 
 int32_t bw_validate_get_script_help(bw_validate* h, char** text) {
-  return onHandle(h, [&](bw_validate& handle) {
-    return text ? giveText(scriptHelp(handle.component.engine().currentFunction), text) : kNullArgument;
-  });
+  return giveText(h, text,
+                  [](bw_validate& handle) { return scriptHelp(handle.component.engine().currentFunction); });
 }

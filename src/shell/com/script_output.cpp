@@ -79,15 +79,15 @@ class ScriptOutputComponent final
   STDMETHODIMP GetScriptOutput_New(BSTR DefaultScript, int MapCount, BSTR OutputSets, BSTR* Output) override {
     return call([&] {
       if (!Output) return E_POINTER;
-      return giveText(logic_.GetScriptOutput_New(narrow(DefaultScript), MapCount, narrow(OutputSets)),
-                      Output);
+      return giveRunText(logic_.GetScriptOutput_New(narrow(DefaultScript), MapCount, narrow(OutputSets)),
+                         Output);
     });
   }
   STDMETHODIMP AppendRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice,
                                 double ClosePrice, LONG Volume) override {
     return call([&] {
-      return logic_.AppendRecord_New(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume) ? S_OK
-                                                                                                : kRefused;
+      logic_.AppendRecord_New(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume);
+      return S_OK;
     });
   }
   STDMETHODIMP EditRecord_New(double JDate, double OpenPrice, double HighPrice, double LowPrice,
@@ -145,7 +145,7 @@ class ScriptOutputComponent final
   STDMETHODIMP GetCustomIndFromCondition_NEW(BSTR DefaultScript, BSTR* Output) override {
     return call([&] {
       if (!Output) return E_POINTER;
-      return giveText(logic_.GetCustomIndFromCondition_NEW(narrow(DefaultScript)), Output);
+      return giveRunText(logic_.GetCustomIndFromCondition_NEW(narrow(DefaultScript)), Output);
     });
   }
   STDMETHODIMP GetVariableValuesLog(BSTR path) override {
@@ -156,6 +156,13 @@ class ScriptOutputComponent final
   }
 
  private:
+  /// The text of a run of the incremental way. The run has never been when no memory is left for the text.
+  HRESULT giveRunText(const std::optional<std::string>& text, BSTR* out) {
+    const HRESULT result = giveText(text, out);
+    if (result == E_OUTOFMEMORY) logic_.takeBackRun();
+    return result;
+  }
+
   ListHandle handle_;
 };
 

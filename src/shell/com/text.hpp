@@ -16,7 +16,7 @@ std::string narrow(BSTR text);
 /// memory runs out.
 BSTR wide(std::string_view text);
 
-/// A text result; null for a call that returns nothing.
+/// A text result; null for a call that returns nothing, and for a text that does not convert.
 HRESULT giveText(const std::optional<std::string>& text, BSTR* out);
 
 }  // namespace brindlewort::com

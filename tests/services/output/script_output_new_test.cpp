@@ -163,7 +163,8 @@ TEST(LivingRecords, AnyOrderOfCallsHasAResult) {
   component.UpdateBasicVectorData("X", 1, 11);
   component.AddOrRemoveBasicVectorSeries("X", -987654321);
   component.ClearRecords();
-  EXPECT_TRUE(component.AppendRecord_New(1, 2, 3, 4, 5, 6));
+  component.AppendRecord_New(1, 2, 3, 4, 5, 6);
+  EXPECT_EQ(component.RecordCount(), 1);
   EXPECT_EQ(component.EditRecord_New(1, 2, 3, 4, 5, 6), true);
   EXPECT_EQ(component.GetScriptOutput_PTR("CLOSE", 0, ""), -1);
   component.GetScriptOutput_New("CLOSE", 0, "");
