@@ -98,12 +98,11 @@ class FailingCall {
 /// allocation fails in one of the four ways.
 template <class Handle>
 std::size_t playWithFailures(const Session<Handle>& session, bool all) {
-  const std::string expected = heard(session);
+  const std::string expected = heard(session), with = heardWithout(session, session.steps.size());
   std::size_t played = 0;
   for (std::size_t step = 0; step < session.steps.size(); ++step) {
     if (session.steps[step].asksForLastRun) continue;
-    const std::string without = heardWithout(session, step),
-                      with = heardWithout(session, session.steps.size());
+    const std::string without = heardWithout(session, step);
     bool more = true;
     for (std::size_t number = 1; more; ++number) {
       for (std::size_t form = 0; form < 4 && more; ++form) {
@@ -151,7 +150,7 @@ TEST(OutOfMemory, EveryFunctionHasASessionThatRuns) {
   for (const auto& session : functionSessions()) {
     const std::string said = heard(session);
     EXPECT_EQ(said.find("Error:"), std::string::npos) << session.name << "\n"
-                                                       << said.substr(said.find("Error:"), 200);
+                                                      << said.substr(said.find("Error:"), 200);
   }
 }
 

@@ -7,7 +7,7 @@ const PointerBlock::List& PointerBlock::show(const std::vector<StoreEntry*>& ent
   items_.resize(entries.size());
   entries_.swap(shown);
   kept_.clear();
-  afterGrowth();
+  follow();
   list_ = {items_.size(), items_.data()};
   return list_;
 }
@@ -23,7 +23,7 @@ void PointerBlock::beforeGrowth() {
   }
 }
 
-void PointerBlock::afterGrowth() noexcept {
+void PointerBlock::follow() noexcept {
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     items_[i] = {entries_[i]->values.data(), entries_[i]->values.size()};
   }

@@ -26,9 +26,20 @@ class PointerBlock {
   /// A run begins: places that were kept are given back.
   void endOfPromise() noexcept;
 
-  /// To be called before rows are added, and after.
+  /// To be called before rows are added.
   void beforeGrowth();
-  void afterGrowth() noexcept;
+  /// While it lives rows may move: those that do before memory runs out for others too. Then the list
+  /// follows.
+  class Follow {
+   public:
+    explicit Follow(PointerBlock& block) : block_(block) {}
+    ~Follow() { block_.follow(); }
+    Follow(const Follow&) = delete;
+    Follow& operator=(const Follow&) = delete;
+
+   private:
+    PointerBlock& block_;
+  };
   /// Makes a change by which the entries may go: what they hold now stays readable.
   template <class Change>
   void freeze(Change change) {
@@ -44,6 +55,8 @@ class PointerBlock {
   }
 
  private:
+  void follow() noexcept;
+
   std::vector<StoreEntry*> entries_;
   std::vector<Rows> items_;
   std::vector<Series> kept_;

@@ -204,20 +204,9 @@ void CScriptOutput::AddOrRemoveBasicVectorSeries(std::string_view name, std::int
 }
 
 void CScriptOutput::UpdateBasicVectorData(std::string_view name, double value, std::uint8_t AddorUpdate) {
-  whileRowsGrow([&] { living_->UpdateBasicVectorData(name, value, AddorUpdate); });
-}
-
-/// Rows may have moved to a larger place before memory ran out for others; the host's list follows them all.
-template <class Growth>
-void CScriptOutput::whileRowsGrow(Growth growth) {
+  const PointerBlock::Follow follow(*pointers_);
   pointers_->beforeGrowth();
-  try {
-    growth();
-  } catch (...) {
-    pointers_->afterGrowth();
-    throw;
-  }
-  pointers_->afterGrowth();
+  living_->UpdateBasicVectorData(name, value, AddorUpdate);
 }
 
 void CScriptOutput::GetVariableValuesLog(std::string_view) {}
@@ -226,7 +215,9 @@ void CScriptOutput::AppendRecord_New(double JDate, double OpenPrice, double High
                                      double ClosePrice, std::int32_t Volume) {
   const Bar bar = makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume);
   livingBars_.makeRoom(1);
-  whileRowsGrow([&] { living_->ApplyBarChange(bar, CScriptEngine::kNewBar); });
+  const PointerBlock::Follow follow(*pointers_);
+  pointers_->beforeGrowth();
+  living_->ApplyBarChange(bar, CScriptEngine::kNewBar);
   livingBars_.AppendRecord(bar);
 }
 
@@ -235,6 +226,7 @@ std::optional<bool> CScriptOutput::EditRecord_New(double JDate, double OpenPrice
   const std::ptrdiff_t row = livingBars_.findDate(JDate);
   if (row == BarStore::kNotFound) return false;
   const Bar bar = makeBar(JDate, OpenPrice, HighPrice, LowPrice, ClosePrice, Volume);
+  const PointerBlock::Follow follow(*pointers_);
   const std::int32_t status = living_->ApplyBarChange(bar, CScriptEngine::kChangedLastBar);
   livingBars_.replace(static_cast<std::size_t>(row), bar);
   return status == 0 ? std::optional<bool>(true) : std::nullopt;

@@ -139,8 +139,6 @@ class CScriptOutput {
   template <class Work>
   auto livingRun(std::string_view script, std::int32_t mapCount, Work work) ->
       typename std::invoke_result<Work, CScriptEngine&>::type;
-  template <class Growth>
-  void whileRowsGrow(Growth growth);
   void tellOutOfMemory() noexcept;
 
   std::unique_ptr<platform::CancelSwitch> cancel_ = std::make_unique<platform::CancelSwitch>();

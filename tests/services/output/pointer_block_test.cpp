@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "support/living_script.hpp"
 
 namespace brindlewort {
@@ -229,9 +231,11 @@ TEST(PointerBlock, KeepsThePlaceOfRowsThatMoveToGrow) {
   const List& list = block.show({&entry});
   const double* before = list.items[0].values;
   for (int i = 2; i <= 1000; ++i) {
-    block.beforeGrowth();
-    entry.values.push_back(i);
-    block.afterGrowth();
+    {
+      const PointerBlock::Follow follow(block);
+      block.beforeGrowth();
+      entry.values.push_back(i);
+    }
     ASSERT_EQ(list.items[0].count, static_cast<std::size_t>(i));
     ASSERT_EQ(list.items[0].values, entry.values.data());
   }
@@ -246,9 +250,24 @@ TEST(PointerBlock, FrozenRowsOutliveTheirEntries) {
     StoreEntry entry;
     entry.values.assign(3, 7.0);
     list = &block.show({&entry});
-    block.freeze();
+    block.freeze([] {});
   }
   EXPECT_EQ(rowsOf(*list, 0), Rows(3, 7.0));
+}
+
+TEST(PointerBlock, AChangeThatFailsFreezesNothing) {
+  PointerBlock block;
+  StoreEntry entry;
+  entry.values.assign(3, 7.0);
+  const List& list = block.show({&entry});
+  EXPECT_THROW(block.freeze([] { throw std::bad_alloc(); }), std::bad_alloc);
+  EXPECT_TRUE(entry.values.unique());
+  {
+    const PointerBlock::Follow follow(block);
+    block.beforeGrowth();
+    entry.values.push_back(8.0);
+  }
+  EXPECT_EQ(rowsOf(list, 0), (Rows{7.0, 7.0, 7.0, 8.0}));
 }
 
 }  // namespace
