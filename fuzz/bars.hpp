@@ -27,8 +27,8 @@ Row makeRow(int shape, std::size_t index);
 /// The bars that a handle must have, kept beside it.
 class Model {
  public:
-  /// More than any short script warms up for, few enough for many runs a second.
-  static constexpr std::size_t kMostBars = 40;
+  /// More than any short script warms up for, and than the blocks of bars that a backtest skips.
+  static constexpr std::size_t kMostBars = 80;
 
   const std::vector<Row>& rows() const { return rows_; }
   bool full() const { return rows_.size() >= kMostBars; }

@@ -16,16 +16,22 @@ constexpr std::string_view kArithmetic[] = {"+", "-", "*", "/", "MOD", "^", "%",
 constexpr std::string_view kLogic[] = {"AND", "OR", "XOR", "EQV", "AND NOT", "&&", "||", "&", "|"};
 constexpr std::string_view kTypes[] = {"SIMPLE",   "EXPONENTIAL", "TIME_SERIES", "VARIABLE", "TRIANGULAR",
                                        "WEIGHTED", "VOLATILITY",  "WILDER",      "VIDYA",    "ZLEMA"};
-constexpr std::string_view kNumbers[] = {"0",    "1",    "2",          "3",        "0.5",   "0.02",
-                                         "10",   "100",  "-1",         "1E3",      "1e-5",  "99.99",
-                                         "0.65", "1e15", "2147483648", "-0.00001", "1E308", "."};
+constexpr std::string_view kNumbers[] = {"0",          "1",        "2",     "3",     "0.5",    "0.02", "10",
+                                         "100",        "-1",       "1E3",   "1e-5",  "99.99",  "0.65", "1e15",
+                                         "2147483648", "-0.00001", "1E308", "1E999", "1E-999", "."};
 constexpr std::string_view kOddities[] = {"()",       "( )",      "",     " ",    "#note", "NOT ",  "NOT(",
                                           "\"NYSE\"", "\xff\xfe", "\xc3", "1..2", "TRUE",  "FALSE", "PI",
                                           ",",        "  ",       "\t",   "%",    "[",     "}"};
 constexpr std::string_view kSourceNames[] = {"EXCHANGE", "SECTOR", "INDUSTRY", "SYMBOL"};
 constexpr std::string_view kSetNames[] = {"A", "B", "C"};
 
-const std::vector<std::string>& constants() {
+std::string text(std::string_view view) {
+  return std::string(view);
+}
+
+}  // namespace
+
+const std::vector<std::string>& ScriptWriter::constants() {
   static const std::vector<std::string> names = [] {
     std::vector<std::string> all;
     CScriptEngine engine;
@@ -35,12 +41,6 @@ const std::vector<std::string>& constants() {
   }();
   return names;
 }
-
-std::string text(std::string_view view) {
-  return std::string(view);
-}
-
-}  // namespace
 
 std::string ScriptWriter::script() {
   sets_ = 0;

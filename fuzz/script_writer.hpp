@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "functions/function_table.hpp"
 #include "random.hpp"
@@ -26,6 +27,8 @@ class ScriptWriter {
   /// A name of the language: of a function, a constant, a price.
   std::string word();
   std::string number();
+  /// The names of all constants.
+  static const std::vector<std::string>& constants();
 
  private:
   std::string statement(int number);

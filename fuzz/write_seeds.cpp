@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "functions/function_table.hpp"
 #include "random.hpp"
@@ -14,13 +15,63 @@ namespace {
 using namespace brindlewort;
 using namespace brindlewort::fuzz;
 
-/// Both ways over bars of three markets: enough of them for short periods, and two bars more after the first
-/// run.
-std::string play(const std::string& call, Random& random) {
-  static constexpr const char* kShapes[] = {"9", "3", "1"};
-  const std::string shape = random.of(kShapes);
-  return "S0SET A = " + call + "\rA > 1\nOb36," + shape + "\nOr0,0,A\nOi0\nOp0\nOA36," + shape +
-         "\nOR0,0,A\nOA1," + shape + "\nOR0,0,A\n";
+using Plays = std::vector<std::string>;
+
+/// Both ways of an output over bars of a market: enough of them for short periods, and two bars more after
+/// the first run.
+std::string outputPlay(const std::string& script, const std::string& shape) {
+  return "S0" + script + "\nOb36," + shape + "\nOr0,0,A\nOi0\nOp0\nOA36," + shape + "\nOR0,0,A\nOA1," +
+         shape + "\nOR0,0,A\n";
+}
+
+/// Both ways of an alert, a backtest and a validation, over candles.
+std::string otherPlay(const std::string& script) {
+  return "S0" + script + "\nAs0\nAb36,9\nAi0\nAp0\nAA36,9\nBb36,9\nBr0,2,3,2,1,\nVv0,1\n";
+}
+
+/// Every name, over candles, waves and bars without volume.
+void addCalls(Plays& plays) {
+  Random random(1);
+  ScriptWriter writer(random, ScriptWriter::Oddities::kNone);
+  for (const FunctionRow& row : functionTable()) {
+    for (const FunctionName& name : row.names) {
+      for (const char* shape : {"9", "3", "109"}) {
+        plays.push_back(outputPlay("SET A = " + writer.call(row, name.name, 0) + "\rA > 1", shape));
+      }
+      plays.push_back(otherPlay(writer.call(row, name.name, 0) + " > 1"));
+      if (row.noArguments) plays.push_back("S0" + std::string(name.name) + "(1) > 1\nVv0,1\n");
+    }
+  }
+}
+
+/// Every pattern of candles, as rows and as a last value.
+void addPatterns(Plays& plays) {
+  for (const std::string& pattern : ScriptWriter::constants()) {
+    plays.push_back(outputPlay("CSP() = " + pattern, "9"));
+    plays.push_back(otherPlay("CSP() = " + pattern));
+  }
+}
+
+/// What chance is slow to find.
+void addOddities(Plays& plays) {
+  plays.push_back(outputPlay("SET A = CLOSE + 1E999\rSET B = OPEN * 1E-999\rA > B", "9"));
+  plays.push_back(outputPlay("SET A = PFX(, 1, 1)\rA > 1", "9"));
+  // Entries on every bar that find no exit, with dates that fall, that stand and that rise.
+  for (const char* shape : {"34", "24", "4", "39"}) {
+    for (const char* limits : {"a=90;b=0;c=900;d=0;", "a=90;b=1;c=900;d=0;"}) {
+      plays.push_back(std::string("S0CLOSE > 0\nBb79,") + shape + "\nBr0,2,3,2,0," + limits +
+                      "\nBr2,0,2,3,0," + limits + "\nBr0,0,3,3,0," + limits + "\n");
+    }
+  }
+}
+
+bool write(const std::string& folder, const Plays& plays) {
+  for (std::size_t i = 0; i < plays.size(); ++i) {
+    std::ofstream file(folder + "/seed-" + std::to_string(i + 1), std::ios::binary);
+    file << plays[i];
+    if (!file.flush()) return false;
+  }
+  return true;
 }
 
 }  // namespace
@@ -30,21 +81,11 @@ int main(int count, char** words) {
     std::fputs("usage: write_seeds FOLDER\n", stderr);
     return 2;
   }
-  constexpr int kPlaysOfAName = 3;
-  Random random(1);
-  ScriptWriter writer(random, ScriptWriter::Oddities::kNone);
-  int number = 0;
-  for (const FunctionRow& row : functionTable()) {
-    for (const FunctionName& name : row.names) {
-      for (int i = 0; i < kPlaysOfAName; ++i) {
-        std::ofstream file(std::string(words[1]) + "/seed-" + std::to_string(++number), std::ios::binary);
-        file << play(writer.call(row, name.name, 0), random);
-        if (!file.flush()) {
-          std::fprintf(stderr, "write_seeds: cannot write into %s\n", words[1]);
-          return 1;
-        }
-      }
-    }
-  }
-  return 0;
+  Plays plays;
+  addCalls(plays);
+  addPatterns(plays);
+  addOddities(plays);
+  if (write(words[1], plays)) return 0;
+  std::fprintf(stderr, "write_seeds: cannot write into %s\n", words[1]);
+  return 1;
 }
