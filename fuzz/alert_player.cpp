@@ -434,6 +434,8 @@ void AlertPlayer::refusals(Line& line) {
       bw_alert_edit_record_opt(h, 1, 1, 1, 1, 1, 1, 1, nullptr) == -1 &&
       bw_alert_set_symbol(nullptr, "") == -1;
   require(refused, "alert: null is refused");
+  require(bw_alert_cancel(nullptr) == -1 && bw_alert_cancel(other.get()) == 0,
+          "alert: cancelling is answered, run or not");
 }
 
 }  // namespace brindlewort::fuzz

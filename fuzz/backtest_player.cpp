@@ -177,6 +177,8 @@ void BacktestPlayer::refusals(Line& line) {
       bw_backtest_set_random_seed(nullptr, 1) == -1 &&
       bw_backtest_on_script_error(nullptr, nullptr, nullptr) == -1;
   require(refused, "backtest: null is refused");
+  require(bw_backtest_cancel(nullptr) == -1 && bw_backtest_cancel(other.get()) == 0,
+          "backtest: cancelling is answered, run or not");
   // No places for a bar's numbers, and no listener: both are allowed.
   int32_t result = 7;
   bw_backtest_get_record_by_index(other.get(), 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,

@@ -401,6 +401,8 @@ void OutputPlayer::refusals(Line& line) {
                        bw_script_output_get_script_help(h, nullptr) == -1 &&
                        bw_script_output_on_script_error(nullptr, nullptr, nullptr) == -1;
   require(refused, "output: null is refused");
+  require(bw_script_output_cancel(nullptr) == -1 && bw_script_output_cancel(other.get()) == 0,
+          "output: cancelling is answered, run or not");
   char* text = nullptr;
   bw_script_output_on_script_error(other.get(), nullptr, nullptr);
   require(bw_script_output_get_script_output(other.get(), nullptr, 0, nullptr, &text) == 0,
