@@ -174,12 +174,12 @@ TEST(ValidateFace, TellsTheFirstFaultAndKeepsTheConstants) {
   brindlewort::CValidate validate;
   EXPECT_EQ(validate.Validate("CLOSE > OPEN", -1), "");
   EXPECT_EQ(validate.Validate("CLOSE > OPEN").substr(0, 9), "NO Error:");
-  EXPECT_EQ(validate.Validate("SET SYMBOL = ABC\r\nCLOSE > OPEN", -1), "");
-  EXPECT_EQ(validate.Constant("SYMBOL"), "ABC");
+  EXPECT_EQ(validate.Validate("SET SYMBOL = Q\r\nCLOSE > OPEN", -1), "");
+  EXPECT_EQ(validate.Constant("SYMBOL"), "Q");
   EXPECT_EQ(validate.Validate("SMA(CLOSE, 14 > OPEN", -1),
             "Error: Script not nested with proper \" ) \" bracket");
   EXPECT_EQ(validate.Validate("BLAH > OPEN", -1), "Error: 'BLAH' is not a valid script");
-  EXPECT_EQ(validate.Constant("SYMBOL"), "ABC") << "a script at fault changes none";
+  EXPECT_EQ(validate.Constant("SYMBOL"), "Q") << "a script at fault changes none";
 }
 
 TEST(IncrementalFace, PointersStayReadableUntilTheNextRun) {
