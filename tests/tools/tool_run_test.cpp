@@ -341,11 +341,11 @@ TEST_F(Examples, EveryScriptRunsOverTheSampleBars) {
   EXPECT_GE(scripts, 3);
 }
 
-/// The mean of the last closes of the sample bars.
-double meanOfLastCloses(std::size_t periods) {
+/// The mean of the last closes of the sample bars, whose text this is.
+double meanOfLastCloses(const std::string& bars, std::size_t periods) {
   constexpr int kClose = 4;  // columns in front of it
   std::vector<double> closes;
-  std::istringstream lines(readFile(BRINDLEWORT_SOURCE_DIR "/examples/sample_daily.csv"));
+  std::istringstream lines(bars);
   for (std::string line; std::getline(lines, line);) {
     if (!line.starts_with("20")) continue;
     std::size_t at = 0;
@@ -364,9 +364,10 @@ TEST_F(Examples, TheAveragesOfTheScriptsAreThoseOfTheSampleBars) {
     return nlohmann::json::parse(run.out).at(name).back().get<double>();
   };
   constexpr double kRounding = 1e-9;
-  EXPECT_NEAR(lastOf("crossover.bws", "FAST"), meanOfLastCloses(14), kRounding);
+  const std::string bars = readFile(BRINDLEWORT_SOURCE_DIR "/examples/sample_daily.csv");
+  EXPECT_NEAR(lastOf("crossover.bws", "FAST"), meanOfLastCloses(bars, 14), kRounding);
   const double middle = lastOf("bands.bws", "MIDDLE");
-  EXPECT_NEAR(middle, meanOfLastCloses(20), kRounding);
+  EXPECT_NEAR(middle, meanOfLastCloses(bars, 20), kRounding);
   const double width = lastOf("bands.bws", "UPPER") - middle;
   EXPECT_GT(width, 0.0);
   EXPECT_NEAR(lastOf("bands.bws", "LOWER"), middle - width, kRounding);
