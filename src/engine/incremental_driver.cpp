@@ -58,15 +58,19 @@ void CScriptEngine::takeBackRun() noexcept {
     windowLength = runStart_.windowLength;
     candlePattern = runStart_.candlePattern;
     patternKnown_ = runStart_.patternKnown;
+    currentFunction.swap(runStart_.currentFunction);
   }
   wholeHistory = false;
+  repeatsAll_ = false;
   errorText.clear();
-  currentFunction.clear();
 }
 
 std::string CScriptEngine::RunFast(bool rowScan, bool dryRun_) {
+  runStart_.currentFunction = currentFunction;
+  runStart_.windowLength = windowLength;
+  runStart_.candlePattern = candlePattern;
+  runStart_.patternKnown = patternKnown_;
   undo_.begin(variables);
-  runStart_ = {windowLength, candlePattern, patternKnown_};
   errorText.clear();
   aborted_ = false;
   dryRun = dryRun_;

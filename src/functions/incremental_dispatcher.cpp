@@ -198,8 +198,10 @@ bool CScriptEngine::runCall(CallSite& site, StoreEntry& result) {
     row.incremental(arguments, {result.values.edit(), &result.slot});
     return true;
   } catch (const platform::RunStopped&) {
+    // What is half made is made anew, and cannot be taken back any more.
     result.values.clear();
     site.work.restart();
+    settleRun();
     throw;
   }
 }

@@ -255,6 +255,7 @@ class CScriptEngine {
     std::int32_t windowLength = 0;
     std::int32_t candlePattern = -1;
     bool patternKnown = false;
+    std::string currentFunction;
   };
   RunStart runStart_;         ///< what the last run found
   std::uint64_t moment_ = 0;  ///< of the last change of an entry's rows

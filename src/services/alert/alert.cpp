@@ -358,8 +358,8 @@ std::optional<bool> CAlert::EditRecord_Opt(double JDate, double OpenPrice, doubl
 CAlert::Event CAlert::evaluateLiving() {
   if (!transientReady_ || evaluationScript_.size() < kShortestScript) return {};
   const platform::CancelSwitch::Call call(*cancel_);
-  living_->cancelSwitch = cancel_.get();
   living_->settleRun();
+  living_->cancelSwitch = cancel_.get();
   try {
     living_->bars.use(livingBars_.rows());
     const std::string text = living_->RunFast(false, false);

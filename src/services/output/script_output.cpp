@@ -242,8 +242,8 @@ auto CScriptOutput::livingRun(std::string_view script, std::int32_t mapCount, Wo
     typename std::invoke_result<Work, CScriptEngine&>::type {
   const platform::CancelSwitch::Call call(*cancel_);
   CScriptEngine& engine = *living_;
-  engine.cancelSwitch = cancel_.get();
   engine.settleRun();
+  engine.cancelSwitch = cancel_.get();
   pointers_->endOfPromise();
   typename std::invoke_result<Work, CScriptEngine&>::type result{};
   try {

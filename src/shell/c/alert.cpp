@@ -42,7 +42,8 @@ int32_t bw_alert_on_alert(bw_alert* h, bw_alert_fn fn, void* user) {
   return onHandle(h, [&](bw_alert& handle) {
     decltype(CAlert::Alert) tell;
     if (fn) {
-      tell = [&handle, fn, user](const std::string& symbol, const std::string& name, double date, double price) {
+      tell = [&handle, fn, user](const std::string& symbol, const std::string& name, double date,
+                                 double price) {
         callHost(handle, fn, user, symbol.c_str(), name.c_str(), date, price);
       };
     }
@@ -55,7 +56,8 @@ int32_t bw_alert_on_script_error(bw_alert* h, bw_alert_error_fn fn, void* user) 
   return onHandle(h, [&](bw_alert& handle) {
     decltype(CAlert::ScriptError) tell;
     if (fn) {
-      tell = [&handle, fn, user](const std::string& symbol, const std::string& name, const std::string& text) {
+      tell = [&handle, fn, user](const std::string& symbol, const std::string& name,
+                                 const std::string& text) {
         callHost(handle, fn, user, symbol.c_str(), name.c_str(), text.c_str());
       };
     }

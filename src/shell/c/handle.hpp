@@ -55,15 +55,14 @@ std::int32_t onHandle(Handle* handle, Call call) noexcept {
   }
 }
 
-/// Calls a function of the host's, as an event does. What it throws ends here, for the call has done its work and says
-/// so.
+/// Calls a function of the host's, as an event does. What it throws ends here: the call has done its work and says so.
 template <class Function, class... Arguments>
 void callHost(HandleState& handle, Function fn, Arguments... arguments) noexcept {
   const platform::FpDoor::Outside outside(handle.door);
   try {
     fn(arguments...);
   } catch (...) {
-    // a host that wants to know catches it itself
+    // A host that wants to know catches it itself.
   }
 }
 
