@@ -81,10 +81,9 @@ class Session {
   void endInput() { in_.closeEnd(1); }
   void endOutput() { out_.closeEnd(0); }
   void interrupt() { kill(child_, SIGINT); }
-  /// Waits until answers that nobody reads have filled the pipe but for a page, or until the tool has ended.
+  /// Waits until answers that nobody reads have filled most of the pipe, or until the tool has ended.
   void waitForAFullPipe() {
-    constexpr int kPage = 4096;
-    const int enough = fcntl(out_.ends[0], F_GETPIPE_SZ) - kPage;
+    const int enough = fcntl(out_.ends[0], F_GETPIPE_SZ) / 4 * 3;
     for (int held = 0; ioctl(out_.ends[0], FIONREAD, &held) == 0 && held < enough; sched_yield()) {
       pollfd state = {out_.ends[0], 0, 0};
       if (poll(&state, 1, 0) != 0) return;  // the other end is closed
