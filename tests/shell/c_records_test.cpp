@@ -237,4 +237,14 @@ TEST(CRecords, EachScriptOfABacktestHasItsOwnPart) {
   EXPECT_NE(shorts.find(",EXIT SHORT,101.0000,"), std::string::npos) << shorts;
 }
 
+/// The engine has been set up behind the bar, so that its prices have no row to change.
+TEST(CRecords, AnEditThatTheSeriesDoNotTakeFails) {
+  const auto h = alert();
+  EXPECT_EQ(bw_alert_append_record_opt(h.get(), kDate, 12, 15, 9, 11, 700, kDate), 0);
+  bw_alert_initialise_transient_store(h.get(), 250);
+  int32_t done = 2;
+  EXPECT_EQ(bw_alert_edit_record_opt(h.get(), kDate, 12, 15, 9, 12, 700, kDate, &done), 1);
+  EXPECT_EQ(done, 0);
+}
+
 }  // namespace

@@ -170,6 +170,15 @@ double plainMonteCarlo(const Rows& values, std::int64_t seed) {
   return worst;
 }
 
+/// A shuffle of n rows draws n - 1 numbers, and there are a hundred shuffles.
+TEST(PerformanceStats, MonteCarloShufflesAHundredTimes) {
+  const Rows values = {3, -1, -4, 1, -5};
+  platform::Random15 random(7), counted(7);
+  stats::MonteCarloDrawdown(values, random);
+  for (int i = 0; i < 100 * 4; ++i) counted.next();
+  for (int i = 0; i < 8; ++i) EXPECT_EQ(random.next(), counted.next());
+}
+
 TEST(PerformanceStats, MonteCarloGivesTheBitsOfThePlainShuffles) {
   Random random(6);
   for (int n : {2, 3, 10, 181, 1'000, 16'384, 32'767, 32'768, 32'769, 33'000, 70'000}) {

@@ -129,6 +129,29 @@ TEST(PointerBlock, ListsAVariableWhoseEntryAFunctionHasMade) {
   }
 }
 
+/// What is kept has a second owner, until the host is promised nothing any more.
+TEST(PointerBlock, KeepsRowsThatHaveToMoveToGrow) {
+  StoreEntry entry;
+  entry.values.assign(4, 1.0);
+  while (!entry.values.full()) entry.values.push_back(1.0);
+  PointerBlock block;
+  block.show({&entry});
+  EXPECT_TRUE(entry.values.unique());
+  block.beforeGrowth();
+  EXPECT_FALSE(entry.values.unique());
+  block.endOfPromise();
+  EXPECT_TRUE(entry.values.unique());
+}
+
+TEST(PointerBlock, KeepsAllRowsThroughAChangeByWhichEntriesMayGo) {
+  StoreEntry entry;
+  entry.values.assign(4, 1.0);
+  PointerBlock block;
+  block.show({&entry});
+  block.freeze([&] { EXPECT_FALSE(entry.values.unique()); });
+  EXPECT_FALSE(entry.values.unique());
+}
+
 TEST(PointerBlock, HoldsWhileTheHostFeedsItsSeries) {
   LivingScript script("SET X = X\r\nSET A = X + 1\r\n1");
   script.component.AddOrRemoveBasicVectorSeries("X", 1);
