@@ -341,14 +341,14 @@ struct CallList {
   std::vector<std::string> calls;
 };
 
-CallList callsOf(Path other, std::string way) {
+CallList callsOf(Path path, std::string way) {
   CallList list{std::move(way), {}};
   for (const FunctionRow& row : functionTable()) {
-    if (row.path == other) continue;
+    if (row.path != Path::kBoth && row.path != path) continue;
     for (const FunctionName& name : row.names) {
       // Spellings of one output are one call.
       const bool isFirst = &name == &row.names.front() || (&name)[-1].output != name.output;
-      if (isFirst && !beginsWithTheClock(name.name)) list.calls.push_back(callOf(row, name.name));
+      if (isFirst && !beginsWithTheClock(name.name)) list.calls.push_back(sampleCall(row, name.name, path));
     }
   }
   return list;
@@ -376,14 +376,14 @@ std::vector<Session<bw_script_output>> outputSessions() {
 
 std::vector<Session<bw_script_output>> functionSessions() {
   std::vector<Session<Output>> sessions;
-  for (const std::string& script : scriptsOf(callsOf(Path::kWholeHistory, "streamed"))) {
+  for (const std::string& script : scriptsOf(callsOf(Path::kIncremental, "streamed"))) {
     OutputSteps steps = {initialise()};
     for (int i = 0; i < kManyBars; ++i) steps.push_back(appendNew(i));
     add(steps, {prepare(script), pointers(script), appendNew(kManyBars), pointers(script),
                 editNew(kManyBars, 104.0), outputNew(script), appendNew(kManyBars + 1), pointers(script)});
     sessions.push_back(outputSession("streamed: " + script, std::move(steps)));
   }
-  for (const std::string& script : scriptsOf(callsOf(Path::kIncremental, "at once"))) {
+  for (const std::string& script : scriptsOf(callsOf(Path::kWholeHistory, "at once"))) {
     sessions.push_back(outputSession("at once: " + script,
                                      {appendRows<Output>(bw_script_output_append_records, 0, kManyBars, 6),
                                       output(script), output(script, 3)}));
