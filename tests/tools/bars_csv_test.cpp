@@ -130,11 +130,12 @@ TEST(BarsCsv, EveryLineEndCountsOnce) {
 TEST(BarsCsv, ALineHasAtMostAMebibyte) {
   const std::string header = "Date,Open,High,Low,Close,Note\n", row = "2004-08-19,1,1,1,1,";
   const std::string longest = row + std::string((std::size_t{1} << 20) - row.size() - 1, 'x') + '\n';
+  const std::string longer = longest.substr(0, longest.size() - 1) + "x\n";
   EXPECT_EQ(read(header + longest).bars.size(), 1u);
   const std::string expected =
       ": expected a line of at most 1048576 bytes (a text without line ends is no CSV), found a longer one";
   for (const std::size_t size : {std::size_t{4096}, std::size_t{1} << 22}) {
-    EXPECT_EQ(read(header + 'x' + longest, size).message, "b.csv:2" + expected);
+    EXPECT_EQ(read(header + longer, size).message, "b.csv:2" + expected);
     EXPECT_EQ(read(std::string(3u << 20, 'x'), size).message, "b.csv:1" + expected);
     // A quotation mark that is never closed takes in no more.
     std::string open = header + "\"2004-08-19,1,1,1,1\n";
