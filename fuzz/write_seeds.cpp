@@ -56,6 +56,11 @@ void addPatterns(Plays& plays) {
 void addOddities(Plays& plays) {
   plays.push_back(outputPlay("SET A = CLOSE + 1E999\rSET B = OPEN * 1E-999\rA > B", "9"));
   plays.push_back(outputPlay("SET A = PFX(, 1, 1)\rA > 1", "9"));
+  plays.push_back(outputPlay("SET A = MROUND(CLOSE * 1E300, 0.07)\rA > 1", "9"));
+  // A series of the host that a script sets, and that goes again.
+  plays.push_back(
+      "S0SET HOST = HOST + CLOSE\rHOST > 1\nOi0\nOs100,HOST\nOp0\nOA36,9\nOf1.5,22,HOST\nOR0,0,A\n"
+      "OA1,9\nOR0,0,A\nOs-987654321,HOST\nOR0,0,A\n");
   // Entries on every bar that find no exit, with dates that fall, that stand and that rise.
   for (const char* shape : {"34", "24", "4", "39"}) {
     for (const char* limits : {"a=90;b=0;c=900;d=0;", "a=90;b=1;c=900;d=0;"}) {
