@@ -55,6 +55,10 @@ void addPatterns(Plays& plays) {
 /// What chance is slow to find.
 void addOddities(Plays& plays) {
   plays.push_back(outputPlay("SET A = CLOSE + 1E999\rSET B = OPEN * 1E-999\rA > B", "9"));
+  for (const char* script : {"CLOSE > 1 XOR OPEN > 1", "CLOSE > 1 AND", "CLOSE > 1 AND -5 < OPEN",
+                             "NOT (CLOSE > 1)", "CLOSE OR -OPEN > 1", "CLOSE > 1 EQV NOT -1"}) {
+    plays.push_back(outputPlay(script, "9") + "Or0,-1\nOR0,-1\nVv0,1\n");
+  }
   plays.push_back(outputPlay("SET A = PFX(, 1, 1)\rA > 1", "9"));
   plays.push_back(outputPlay("SET A = MROUND(CLOSE * 1E300, 0.07)\rA > 1", "9"));
   // A series of the host that a script sets, and that goes again.
