@@ -290,7 +290,9 @@ TEST(IncrementalRows, StayAsTheyAreFromTheSecondRunOverTheSameBarsOn) {
         break;
       }
     }
-    if (computes) EXPECT_EQ(changes == 0, function.row->settles);
+    if (computes) {
+      EXPECT_EQ(changes == 0, function.row->settles);
+    }
   }
 }
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <string>
 #include <string_view>
@@ -249,15 +248,20 @@ const FaceFunction kFunctions[] = {
     TAKES_A_HANDLE(bw_validate_get_script_help),
 };
 
-/// What the public header declares, without its comments.
+/// What the public header declares: the name in front of the bracket behind each mark of an export, comments left out.
 std::set<std::string> declaredFunctions() {
   std::ifstream file(BRINDLEWORT_HEADER, std::ios::binary);
   std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  text = std::regex_replace(text, std::regex(R"(/\*[^*]*\*+([^/*][^*]*\*+)*/)"), "");
-  const std::regex declaration(R"(BW_API[^;(]*\b(bw_\w+)\()");
+  for (std::size_t at; (at = text.find("/*")) != std::string::npos;) {
+    text.erase(at, text.find("*/", at) + 2 - at);
+  }
+  constexpr std::string_view kMark = "\nBW_API ";
   std::set<std::string> names;
-  for (std::sregex_iterator it(text.begin(), text.end(), declaration), end; it != end; ++it)
-    names.insert((*it)[1]);
+  for (std::size_t at = 0; (at = text.find(kMark, at)) != std::string::npos; at += kMark.size()) {
+    const std::size_t bracket = text.find('(', at);
+    const std::size_t name = text.rfind("bw_", bracket);
+    if (bracket != std::string::npos && name > at) names.insert(text.substr(name, bracket - name));
+  }
   return names;
 }
 
