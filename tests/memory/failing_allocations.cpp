@@ -75,6 +75,12 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
   return allocate(size, alignof(std::max_align_t));
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return __wrap_malloc(size > 0 ? size : 1);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return __wrap_malloc(size > 0 ? size : 1);
+}
 void* operator new(std::size_t size, std::align_val_t alignment) {
   return allocate(size, static_cast<std::size_t>(alignment));
 }
@@ -85,6 +91,12 @@ void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
